@@ -1,0 +1,83 @@
+#include "host_contract/Readings.hpp"
+
+#include <stdexcept>
+#include <utility>
+
+namespace vigil {
+
+const AgentProperty* ReadingsView::find(std::string_view key) const {
+    if (!table) return nullptr;
+    const auto slot = table->slot(key);
+    return slot ? bySlot[*slot] : nullptr;
+}
+
+std::shared_ptr<const Readings> Readings::make(std::shared_ptr<const KeyTable> table,
+                                               std::vector<AgentProperty> entries) {
+    std::shared_ptr<Readings> batch(new Readings);
+    batch->m_table = std::move(table);
+    batch->m_entries = std::move(entries);
+    batch->m_slots.reserve(batch->m_entries.size());
+    batch->m_bySlot.assign(batch->m_table->size(), nullptr);
+    for (std::size_t i = 0; i < batch->m_entries.size(); ++i) {
+        const std::string& key = batch->m_entries[i].propertyName();
+        // Batches of one station nearly always follow the table entry by entry.
+        const bool inPlace =
+            i < batch->m_table->size() && batch->m_table->key(static_cast<KeyTable::Slot>(i)) == key;
+        const auto slot = inPlace ? static_cast<KeyTable::Slot>(i) : batch->m_table->slot(key);
+        if (!slot) throw std::out_of_range("reading \"" + key + "\" is not in the table of its batch");
+        batch->m_slots.push_back(*slot);
+        const AgentProperty*& place = batch->m_bySlot[*slot];
+        if (place) batch->m_hasDuplicates = true;
+        place = &batch->m_entries[i];
+    }
+    return batch;
+}
+
+std::shared_ptr<const Readings> Readings::make(std::vector<AgentProperty> entries) {
+    std::vector<std::string> keys;
+    keys.reserve(entries.size());
+    for (const AgentProperty& entry : entries)
+        keys.push_back(entry.propertyName());
+    return make(KeyTable::make(std::move(keys)), std::move(entries));
+}
+
+const Readings::Printed& Readings::printed() const {
+    std::call_once(m_printOnce, [this] {
+        m_printed.ends.reserve(m_entries.size());
+        m_printed.text.reserve(m_entries.size() * 32);
+        for (const AgentProperty& entry : m_entries) {
+            (m_printed.text += entry.propertyName()) += " = ";
+            entry.appendUnitString(m_printed.text);
+            m_printed.ends.push_back(m_printed.text.size());
+        }
+    });
+    return m_printed;
+}
+
+void Readings::appendDescription(std::string& to, const ReadingsView& judged) const {
+    const Printed& texts = printed();
+    to += '{';
+    bool first = true;
+    for (std::size_t slot = 0; slot < m_table->size(); ++slot) {
+        const AgentProperty* entry = judged.bySlot[slot];
+        if (!entry) continue;
+        if (!first) to += ", ";
+        first = false;
+        const auto i = static_cast<std::size_t>(entry - m_entries.data());
+        const std::size_t begin = i == 0 ? 0 : texts.ends[i - 1];
+        to.append(texts.text, begin, texts.ends[i] - begin);
+    }
+    to += '}';
+}
+
+std::string Readings::className() const {
+    return "Readings";
+}
+
+std::string Readings::description() const {
+    std::string text;
+    appendDescription(text, view());
+    return text;
+}
+
+}  // namespace vigil
