@@ -1,0 +1,11 @@
+#include "host/kit/KitClasses.hpp"
+
+#include "host_contract/ContractClasses.hpp"
+
+namespace vigil {
+
+void registerKitClasses() {
+    registerContractClasses();
+}
+
+}  // namespace vigil
