@@ -1,0 +1,7 @@
+#include "host/feeds/Recorded.hpp"
+
+namespace vigil {
+
+RecordedSource::~RecordedSource() = default;
+
+}  // namespace vigil
