@@ -1,6 +1,9 @@
 #include "platform/NotificationCenter.hpp"
 
 #include <algorithm>
+#include <stdexcept>
+
+#include "platform/CallNote.hpp"
 
 namespace vigil {
 namespace {
@@ -84,6 +87,7 @@ std::vector<DeliveryFailure> NotificationCenter::post(const Notification& notifi
         if (!observer) someDied = true;
         if (!observer || entry->removed || !sameOwner(entry->object, notification.object)) continue;
         try {
+            const CallNote::Scope note(observer);
             entry->method(*observer, notification);
         } catch (...) {
             failures.push_back({observer, std::current_exception()});
@@ -98,7 +102,14 @@ std::vector<DeliveryFailure> NotificationCenter::post(const Notification& notifi
 
 void NotificationCenter::release(std::shared_ptr<Object> observer) {
     if (observer.use_count() != 1 || m_queue.isMainThread()) return;
-    m_queue.dispatchAsync([last = std::move(observer)] {});
+    // Held once more removed, so that a queue that refuses the task does not end the observer here.
+    auto last = std::make_shared<std::shared_ptr<Object>>(std::move(observer));
+    if (m_queue.dispatchAsync([last] { last->reset(); })) return;
+    try {
+        m_queue.dispatchSync([&] { last->reset(); });
+    } catch (const std::runtime_error&) {
+        // The queue is closing: no main thread serves any more, and the observer ends where it is.
+    }
 }
 
 std::size_t NotificationCenter::observerCount(std::string_view name,

@@ -64,7 +64,8 @@ class VIGIL_KIT NotificationCenter {
     void removeObserver(const Object& observer, std::string_view name,
                         const std::shared_ptr<const Object>& object);
 
-    /// Calls every observer of (name, object), also after one has thrown, and returns what was thrown.
+    /// Calls every observer of (name, object), also after one has thrown, and returns what was thrown. During
+    /// each call the observer is the thread's `CallNote`.
     std::vector<DeliveryFailure> post(const Notification& notification);
 
     /// The number of living entries for (name, object).

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/command/CommandContext.hpp"
+#include "host/command/Commands.hpp"
+
+namespace vigil {
+
+/// Runs one command line (without the program's own name) against the given table of commands and returns how
+/// the program is to end. Catches whatever a command throws. Main thread.
+ExitStatus runCommandLine(const std::vector<std::string>& arguments, const std::vector<AddCommand>& commands,
+                          Output& output, const std::string& programFolder);
+
+/// The version of this build, as in "0.1.0".
+const char* versionText();
+
+}  // namespace vigil

@@ -1,0 +1,10 @@
+#include "host/command/Commands.hpp"
+
+namespace vigil {
+
+const std::vector<AddCommand>& allCommands() {
+    static const std::vector<AddCommand> commands = {};
+    return commands;
+}
+
+}  // namespace vigil

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <vector>
+
+#include <CLI/App.hpp>
+
+#include "host/command/CommandContext.hpp"
+
+// A sub-command is one file Command_X.cpp with one function addXCommand, which is declared here and named in
+// the table of Commands.cpp. It adds the command with its options; the command's callback sets the status:
+//
+//     void addGreetCommand(CLI::App& app, CommandContext& context) {
+//         auto* command = app.add_subcommand("greet", "Say hello");
+//         command->footer("Examples:\n  vigil greet");
+//         command->callback([&context] { context.output.write("hello\n"); });
+//     }
+//
+// An option's place in memory must outlive the function: keep options in a shared struct that the callback
+// holds.
+
+namespace vigil {
+
+using AddCommand = void (*)(CLI::App& app, CommandContext& context);
+
+/// Every sub-command, in the order in which `--help` lists them.
+const std::vector<AddCommand>& allCommands();
+
+}  // namespace vigil
