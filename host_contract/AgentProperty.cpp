@@ -47,9 +47,19 @@ std::string AgentProperty::className() const {
 }
 
 std::string AgentProperty::stringValue() const {
-    if (m_parts.stringValue) return *m_parts.stringValue;
-    if (type() == kTextType) return {};
-    return type() == kDateType ? Date(value()).description() : numberText(value());
+    std::string text;
+    appendStringValue(text);
+    return text;
+}
+
+void AgentProperty::appendStringValue(std::string& to) const {
+    if (m_parts.stringValue) {
+        to += *m_parts.stringValue;
+    } else if (type() == kDateType) {
+        Date(value()).appendDescription(to);
+    } else if (type() != kTextType) {
+        appendNumber(to, value());
+    }
 }
 
 std::string AgentProperty::unitStringValueWithUnitShort() const {

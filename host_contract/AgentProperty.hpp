@@ -53,6 +53,7 @@ class VIGIL_KIT AgentProperty final : public Object {
 
     /// As given, else the raw value printed (a date as `Date::description`).
     std::string stringValue() const;
+    void appendStringValue(std::string& to) const;
     /// The text as given, or nothing where `stringValue` is built from the value.
     const std::optional<std::string>& givenStringValue() const { return m_parts.stringValue; }
     /// As given, else the value in the user's unit, a blank and the unit; a text reading is its text.
