@@ -69,14 +69,15 @@ def flags_of(command):
 
 
 def reaches(flags, directory, header):
-    """True: found. False: not found. Anything else is a failure of this check and is told."""
-    run = subprocess.run([*flags, "-E", "-x", "c++", "-", "-o", "/dev/null"], input=f'#include "{header}"\n',
-                         text=True, capture_output=True, cwd=directory, env={"LC_ALL": "C", "PATH": "/usr/bin:/bin"})
-    if run.returncode == 0:
-        return True
-    if f"{header}" in run.stderr and ("No such file" in run.stderr or "file not found" in run.stderr):
-        return False
-    sys.exit(f"the compiler refused {header} for another reason:\n{run.stderr}")
+    """Whether an include of the header would find it. The header is not read: what it includes itself would only
+    blur the answer."""
+    question = f'#if __has_include("{header}")\nhouse_found\n#else\nhouse_not_found\n#endif\n'
+    run = subprocess.run([*flags, "-E", "-x", "c++", "-"], input=question, text=True, capture_output=True,
+                         cwd=directory)
+    answer = run.stdout.splitlines()[-1:]
+    if run.returncode or answer not in (["house_found"], ["house_not_found"]):
+        sys.exit(f"the compiler did not answer about {header}:\n{run.stderr}")
+    return answer == ["house_found"]
 
 
 def first_headers():
