@@ -15,7 +15,7 @@ namespace vigil {
 
 /// One reading a slot, or nothing where the slot has none: what a condition is judged against. Valid as long
 /// as what it was taken from.
-struct ReadingsView {
+struct VIGIL_KIT ReadingsView {
     const KeyTable* table = nullptr;
     const AgentProperty* const* bySlot = nullptr;  ///< table->size() entries
 

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "ChangedReadings.hpp"
+
+namespace vigil {
+
+/// Memory that a monitor keeps from cycle to cycle, so that a cycle allocates nothing.
+struct CycleScratch {
+    ChangedReadings changed;
+    std::string line;
+};
+
+}  // namespace vigil

@@ -1,0 +1,178 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ActionStatus.hpp"
+#include "Criterion.hpp"
+#include "conditions/ConditionPredicate.hpp"
+#include "host_contract/CycleObserver.hpp"
+#include "host_contract/EvaluationDictionary.hpp"
+#include "host_contract/QRVPlugIn.hpp"
+#include "platform/InterfaceOwner.hpp"
+#include "platform/NotificationCenter.hpp"
+
+namespace vigil {
+
+class AudioPlayer;
+class Button;
+class PredicateEditor;
+class RuleEditor;
+struct CycleScratch;
+
+/// One monitor: a condition over its station's readings, and the rows of actions that run when it holds.
+///
+/// The cycle (`dataChanged`) runs on the thread that posts the station's notification, everything else on the
+/// main thread. All accessors are safe from any thread and have no side effects.
+class QRVVigilPlugIn : public QRVPlugIn, public InterfaceOwner, public CycleReporting {
+  public:
+    QRVVigilPlugIn();
+    ~QRVVigilPlugIn() override;
+    std::string className() const override;
+
+    // Creation and archive.
+    bool initWithAgent(std::shared_ptr<QRVAgentPlugIn> agent,
+                       std::shared_ptr<SiteWindowController> siteWindowController) override;
+    bool initWithCoder(KeyedDecoder& coder) override;
+    void encodeWithCoder(KeyedEncoder& coder) const override;
+
+    // Life in the host.
+    std::shared_ptr<Object> start() override;
+    std::shared_ptr<Object> stop() override;
+    using QRVPlugIn::didLoad;
+    /// Does nothing; the form without an argument stays the base's. (Keyword form: didLoad:)
+    void didLoad(const std::shared_ptr<Object>& object);
+    void willUnload() override;
+    void viewWillAppear() override;
+    void viewWillDisappear() override;
+    void startEvaluation();
+    void stopEvaluation();
+    /// Does nothing: the switch is bound to `evaluating`, which counts at the next start or stop.
+    void activateButtonClicked(Object* sender);
+
+    /// One cycle: wait, readings, log line, verdict, actions, status, snapshot. (Keyword form: dataChanged:)
+    void dataChanged(const Notification& notification);
+    /// Runs every stored row, top to bottom, through the node at its head. Throws std::out_of_range for a row
+    /// without a node or without display values; the rows behind it then do not run.
+    void performActions();
+
+    /// "" for 1, "s" for every other count. (Keyword form: getPlural:)
+    static std::string getPlural(std::int32_t count);
+    /// "Next trigger at %@" with `retriggerDate`.
+    std::string getRunTime() const;
+    /// "\nActive 1 day, 2 hrs and 3 mins.  Last checked at 14:05.09 hrs." for a number of seconds; keeps the
+    /// time of day as `dateLastDbPull`. (Keyword form: getTimerRunTime:)
+    std::string getTimerRunTime(std::int32_t seconds);
+
+    // State. What is archived: the two row lists, evaluating, retriggerInterval, retriggerDate,
+    // lastEvaluationDictionary, triggerOnlyOnChange, predicate.
+    using CriteriaRows = std::vector<CriterionList>;         ///< entry i is row i's path, its root first
+    using DisplayValueRows = std::vector<DisplayValueList>;  ///< entry i is row i's display values
+    using Names = std::vector<std::string>;
+
+    bool evaluating() const { return m_evaluating.get(); }
+    void setEvaluating(bool flag) { m_evaluating.set(flag); }
+    bool triggerOnlyOnChange() const { return m_triggerOnlyOnChange.get(); }
+    void setTriggerOnlyOnChange(bool flag) { m_triggerOnlyOnChange.set(flag); }
+    /// Minutes, fractions allowed; absent counts as 0.
+    std::optional<Number> retriggerInterval() const { return m_retriggerInterval.get(); }
+    void setRetriggerInterval(std::optional<Number> minutes) { m_retriggerInterval.set(minutes); }
+    std::optional<Date> retriggerDate() const { return m_retriggerDate.get(); }
+    void setRetriggerDate(std::optional<Date> date) { m_retriggerDate.set(date); }
+    std::string actionStatus() const { return m_actionStatus.text(); }
+    void setActionStatus(std::string_view text) { m_actionStatus.set(text); }
+    std::shared_ptr<ConditionPredicate> predicate() const { return m_predicate.get(); }
+    void setPredicate(std::shared_ptr<ConditionPredicate> predicate) {
+        m_predicate.set(std::move(predicate));
+    }
+    std::optional<EvaluationDictionary> lastEvaluationDictionary() const {
+        return m_lastEvaluationDictionary.get();
+    }
+    void setLastEvaluationDictionary(std::optional<EvaluationDictionary> d) {
+        m_lastEvaluationDictionary.set(std::move(d));
+    }
+    std::shared_ptr<CriterionList> criteria() const { return m_criteria.get(); }
+    void setCriteria(std::shared_ptr<CriterionList> roots) { m_criteria.set(std::move(roots)); }
+    std::shared_ptr<CriteriaRows> ruleEditorStoredCriteria() const { return m_storedCriteria.get(); }
+    void setRuleEditorStoredCriteria(std::shared_ptr<CriteriaRows> rows) {
+        m_storedCriteria.set(std::move(rows));
+    }
+    std::shared_ptr<DisplayValueRows> ruleEditorStoredDisplayValues() const {
+        return m_storedDisplayValues.get();
+    }
+    void setRuleEditorStoredDisplayValues(std::shared_ptr<DisplayValueRows> rows) {
+        m_storedDisplayValues.set(std::move(rows));
+    }
+    std::string currentPropertyStringValue() const { return m_currentPropertyStringValue.get(); }
+    void setCurrentPropertyStringValue(std::string text) {
+        m_currentPropertyStringValue.set(std::move(text));
+    }
+    /// A text, not a date; nothing reads or writes it.
+    std::optional<std::string> currentDate() const { return m_currentDate.get(); }
+    void setCurrentDate(std::optional<std::string> text) { m_currentDate.set(std::move(text)); }
+    /// A text, not a date: the time of day of the last `getTimerRunTime`.
+    std::optional<std::string> dateLastDbPull() const { return m_dateLastDbPull.get(); }
+    void setDateLastDbPull(std::optional<std::string> text) { m_dateLastDbPull.set(std::move(text)); }
+    std::shared_ptr<Names> propertyArray() const { return m_propertyArray.get(); }
+    void setPropertyArray(std::shared_ptr<Names> names) { m_propertyArray.set(std::move(names)); }
+    std::shared_ptr<AudioPlayer> audioPlayer() const { return m_audioPlayer.get(); }
+    void setAudioPlayer(std::shared_ptr<AudioPlayer> player) { m_audioPlayer.set(std::move(player)); }
+    std::optional<Date> startTime() const { return m_startTime.get(); }
+    void setStartTime(std::optional<Date> date) { m_startTime.set(date); }
+    std::shared_ptr<PredicateEditor> predicateEditor() const { return m_predicateEditor.get(); }
+    void setPredicateEditor(std::shared_ptr<PredicateEditor> editor) {
+        m_predicateEditor.set(std::move(editor));
+    }
+    std::shared_ptr<RuleEditor> ruleEditor() const { return m_ruleEditor.get(); }
+    void setRuleEditor(std::shared_ptr<RuleEditor> editor) { m_ruleEditor.set(std::move(editor)); }
+    std::shared_ptr<Button> activateButton() const { return m_activateButton.get(); }
+    void setActivateButton(std::shared_ptr<Button> button) { m_activateButton.set(std::move(button)); }
+
+    InterfaceOwner* interfaceOwner() override { return this; }
+    const InterfaceTable& interfaceTable() const override;
+    CycleReporting* cycleReporting() override { return this; }
+    void setCycleObserver(std::shared_ptr<CycleObserver> observer) override {
+        m_cycleObserver = std::move(observer);
+    }
+
+  private:
+    static InterfaceTable makeInterfaceTable();
+
+    static std::shared_ptr<ConditionPredicate> defaultPredicate();
+    void initCommon();
+    HostWorld* world() const;
+    bool judge(HostWorld& world, const Readings& batch, CycleScratch& scratch, ReadingsView& judged) const;
+    void fire(HostWorld& world);
+    std::unique_ptr<CycleScratch> takeScratch();
+    void giveBack(std::unique_ptr<CycleScratch> scratch);
+
+    Property<bool> m_evaluating;
+    Property<bool> m_triggerOnlyOnChange;
+    Property<std::optional<Number>> m_retriggerInterval;
+    Property<std::shared_ptr<PredicateEditor>> m_predicateEditor;
+    Property<std::shared_ptr<RuleEditor>> m_ruleEditor;
+    Property<std::shared_ptr<CriterionList>> m_criteria;
+    Property<std::shared_ptr<CriteriaRows>> m_storedCriteria;
+    Property<std::shared_ptr<DisplayValueRows>> m_storedDisplayValues;
+    Property<std::optional<Date>> m_retriggerDate;
+    ActionStatus m_actionStatus;
+    Property<std::string> m_currentPropertyStringValue;
+    Property<std::optional<std::string>> m_currentDate;
+    Property<std::optional<std::string>> m_dateLastDbPull;
+    Property<std::shared_ptr<Names>> m_propertyArray;
+    Property<std::shared_ptr<AudioPlayer>> m_audioPlayer;
+    Property<std::shared_ptr<ConditionPredicate>> m_predicate;
+    Property<std::shared_ptr<Button>> m_activateButton;
+    Property<std::optional<EvaluationDictionary>> m_lastEvaluationDictionary;
+    Property<std::optional<Date>> m_startTime;
+
+    std::shared_ptr<CycleObserver> m_cycleObserver;
+    std::mutex m_scratchMutex;
+    std::unique_ptr<CycleScratch> m_scratch;  // absent while a cycle uses it
+};
+
+}  // namespace vigil

@@ -1,0 +1,18 @@
+#include "QRVVigilPlugIn.hpp"
+
+namespace vigil {
+
+void QRVVigilPlugIn::performActions() {
+    // Lists and lengths are read anew for every row: an action that waits lets the editor replace them
+    // meanwhile.
+    for (std::size_t row = 0;; ++row) {
+        const auto paths = ruleEditorStoredCriteria();
+        if (!paths || row >= paths->size()) return;
+        const auto values = ruleEditorStoredDisplayValues();
+        const std::shared_ptr<Criterion> head = paths->at(row).at(0);
+        const DisplayValueList shown = values ? values->at(row) : DisplayValueList{};
+        if (head) head->performActionWithDisplayValues(shown);
+    }
+}
+
+}  // namespace vigil
