@@ -1,6 +1,7 @@
 #include "host/command/MonitorDraft.hpp"
 
 #include <cmath>
+
 #include <nlohmann/json.hpp>
 
 #include "platform/Date.hpp"

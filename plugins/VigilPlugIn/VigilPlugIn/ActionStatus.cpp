@@ -1,4 +1,4 @@
-#include "ActionStatus.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/ActionStatus.hpp"
 
 #include "platform/Object.hpp"
 

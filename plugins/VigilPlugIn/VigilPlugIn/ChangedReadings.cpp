@@ -1,4 +1,4 @@
-#include "ChangedReadings.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/ChangedReadings.hpp"
 
 namespace vigil {
 namespace {

@@ -1,4 +1,4 @@
-#include "Criterion.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion.hpp"
 
 #include <stdexcept>
 

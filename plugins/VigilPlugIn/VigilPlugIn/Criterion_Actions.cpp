@@ -1,6 +1,6 @@
-#include "Criterion_Actions.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Actions.hpp"
 
-#include "Criterion_Display.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Display.hpp"
 
 namespace vigil {
 

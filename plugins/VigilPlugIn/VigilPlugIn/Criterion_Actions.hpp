@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Criterion.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion.hpp"
 
 // The six actions. Each builds one subtree, its root named for the action with one level of children, and
 // acts on the display value at index 1 of its row. None reports failure to its caller.

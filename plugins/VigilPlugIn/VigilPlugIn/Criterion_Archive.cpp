@@ -1,5 +1,5 @@
-#include "Criterion.hpp"
 #include "platform/KeyedCoder.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion.hpp"
 
 // The class names and the keys "agent", "name" and "children" are the file format: saved rows refer to them.
 

@@ -1,4 +1,4 @@
-#include "Criterion_Display.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Display.hpp"
 
 #include "platform/ClassRegistry.hpp"
 

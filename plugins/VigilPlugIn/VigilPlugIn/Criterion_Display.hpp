@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Criterion.hpp"
 #include "platform/InterfaceOwner.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion.hpp"
 
 // The nodes that the editor shows as something else than their name.
 

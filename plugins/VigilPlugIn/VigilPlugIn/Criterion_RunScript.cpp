@@ -1,5 +1,5 @@
-#include "Criterion_Actions.hpp"
 #include "host_contract/QRVKit.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Actions.hpp"
 
 namespace vigil {
 namespace {

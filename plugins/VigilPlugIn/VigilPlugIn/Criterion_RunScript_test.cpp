@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "Criterion_Actions.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Actions.hpp"
 #include "tests/support/FakeAgent.hpp"
 #include "tests/support/FakeWorld.hpp"
 

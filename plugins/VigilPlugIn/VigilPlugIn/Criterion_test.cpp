@@ -1,13 +1,13 @@
-#include "Criterion.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion.hpp"
 
 #include <stdexcept>
 
 #include <gmock/gmock.h>
 
-#include "Criterion_Actions.hpp"
-#include "Criterion_Display.hpp"
-#include "ModuleClasses.hpp"
 #include "platform/ClassRegistry.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Actions.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Display.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/ModuleClasses.hpp"
 #include "tests/support/FakeAgent.hpp"
 #include "tests/support/FakeWorld.hpp"
 

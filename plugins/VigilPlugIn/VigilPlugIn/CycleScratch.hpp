@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "ChangedReadings.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/ChangedReadings.hpp"
 
 namespace vigil {
 

@@ -1,9 +1,9 @@
 #include "host_contract/Module.hpp"
 
-#include "Criterion_Actions.hpp"
-#include "Criterion_Display.hpp"
-#include "ModuleClasses.hpp"
-#include "QRVVigilPlugIn.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Actions.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Display.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/ModuleClasses.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
 namespace vigil {
 namespace {

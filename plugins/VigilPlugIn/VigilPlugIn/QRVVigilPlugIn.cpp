@@ -1,8 +1,8 @@
-#include "QRVVigilPlugIn.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
-#include "Criterion_Actions.hpp"
-#include "Criterion_Display.hpp"
-#include "CycleScratch.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Actions.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Display.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/CycleScratch.hpp"
 
 namespace vigil {
 namespace {

@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "ActionStatus.hpp"
-#include "Criterion.hpp"
 #include "conditions/ConditionPredicate.hpp"
 #include "host_contract/CycleObserver.hpp"
 #include "host_contract/EvaluationDictionary.hpp"
 #include "host_contract/QRVPlugIn.hpp"
 #include "platform/InterfaceOwner.hpp"
 #include "platform/NotificationCenter.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/ActionStatus.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion.hpp"
 
 namespace vigil {
 

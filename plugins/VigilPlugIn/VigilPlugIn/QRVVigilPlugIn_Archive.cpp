@@ -1,5 +1,5 @@
-#include "QRVVigilPlugIn.hpp"
 #include "platform/KeyedCoder.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
 // The keyed archive of a monitor: eight entries behind the base's own, in this order. The keys are the file
 // format; the first two keep a short form that the properties do not have.

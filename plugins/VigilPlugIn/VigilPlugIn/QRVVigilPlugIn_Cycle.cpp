@@ -1,6 +1,6 @@
-#include "CycleScratch.hpp"
-#include "QRVVigilPlugIn.hpp"
 #include "host_contract/QRVKit.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/CycleScratch.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
 // The evaluation cycle, on the posting thread and without locks of its own: of the monitor it writes only
 // retriggerDate, actionStatus and lastEvaluationDictionary.

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "QRVVigilPlugIn.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 #include "tests/support/FakeAgent.hpp"
 #include "tests/support/FakeWorld.hpp"
 

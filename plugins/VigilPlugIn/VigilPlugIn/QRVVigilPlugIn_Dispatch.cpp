@@ -1,4 +1,4 @@
-#include "QRVVigilPlugIn.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
 namespace vigil {
 

@@ -1,5 +1,5 @@
-#include "QRVVigilPlugIn.hpp"
 #include "host_contract/QRVKit.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
 // A monitor observes its station between start and stop, if it is active at both. A switch that changes in
 // between leaves the observation as it was.

@@ -1,6 +1,6 @@
 #include <cstdio>
 
-#include "QRVVigilPlugIn.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
 namespace vigil {
 
