@@ -24,6 +24,7 @@ MAY_SEE = {
     "plugins/VigilPlugIn/VigilPlugIn": HOUSE,
     "host/services": WITHOUT_CONDITIONS,
     "host/feeds": WITHOUT_CONDITIONS,
+    "host/helper": ("platform", "host/services"),
     "host/kit": (*HOUSE, "host/services"),
     "host/command": (*HOUSE, *BUILDING_BLOCKS),
     "host/desktop": (*HOUSE, *BUILDING_BLOCKS),
@@ -107,6 +108,9 @@ def main():
                 continue
             asked += 1
             seen = reaches(flags, directory, header)
+            # a module's folder could also be an include root by itself
+            if room.startswith("plugins/") and room != home:
+                seen = seen or reaches(flags, directory, header.rsplit("/", 1)[1])
             if seen and room != home and room not in MAY_SEE[home]:
                 findings.append(f"{folder} sees {header}")
             if not seen and room in (home, MUST_SEE):
