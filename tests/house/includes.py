@@ -23,8 +23,6 @@ def refusal(path, bracket, name):
     if ".." in name.split("/"):
         return "goes upwards"
     if bracket == '"':
-        if "/" not in name and path.parts[0] == "plugins" and (tree.ROOT / path.parent / name).is_file():
-            return None  # a module is one folder that nobody else sees
         first = name.split("/")[0]
         if "/" not in name or not (tree.ROOT / first).is_dir():
             return "does not begin with a folder of the house"
