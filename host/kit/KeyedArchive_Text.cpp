@@ -3,6 +3,14 @@
 #include "platform/Number.hpp"
 
 namespace vigil {
+
+ArchiveNode::ArchiveNode() = default;
+ArchiveNode::ArchiveNode(Held value) : held(std::move(value)) {}
+ArchiveNode::ArchiveNode(const ArchiveNode&) = default;
+ArchiveNode::ArchiveNode(ArchiveNode&&) noexcept = default;
+ArchiveNode& ArchiveNode::operator=(const ArchiveNode&) = default;
+ArchiveNode& ArchiveNode::operator=(ArchiveNode&&) noexcept = default;
+ArchiveNode::~ArchiveNode() = default;
 namespace {
 
 constexpr std::size_t kLongestNameInPath = 60;

@@ -21,7 +21,18 @@ struct ArchiveNode {
     using List = std::vector<ArchiveNode>;
     using Members = std::vector<std::pair<std::string, ArchiveNode>>;
 
-    std::variant<std::monostate, bool, std::int64_t, double, std::string, List, Members> held;
+    using Held = std::variant<std::monostate, bool, std::int64_t, double, std::string, List, Members>;
+
+    // Made and destroyed out of line, where the type is complete; clang would look inside the list here.
+    ArchiveNode();
+    ArchiveNode(Held value);
+    ArchiveNode(const ArchiveNode&);
+    ArchiveNode(ArchiveNode&&) noexcept;
+    ArchiveNode& operator=(const ArchiveNode&);
+    ArchiveNode& operator=(ArchiveNode&&) noexcept;
+    ~ArchiveNode();
+
+    Held held;
 
     template <class T>
     const T* as() const {
