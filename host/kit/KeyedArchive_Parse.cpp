@@ -112,7 +112,7 @@ class Builder final : public nlohmann::json_sax<Json> {
         if (auto* list = std::get_if<ArchiveNode::List>(&frame.node.held)) {
             list->push_back(std::move(node));
         } else if (auto* members = std::get_if<ArchiveNode::Members>(&frame.node.held)) {
-            members->emplace_back(std::move(frame.name), std::move(node));
+            members->push_back({std::move(frame.name), std::move(node)});
             frame.hasName = false;
         }
     }

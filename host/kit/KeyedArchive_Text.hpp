@@ -16,10 +16,12 @@
 
 namespace vigil {
 
+struct ArchiveMember;
+
 /// One JSON value. Integers and reals are told apart, members keep their order, and no member stands twice.
 struct ArchiveNode {
     using List = std::vector<ArchiveNode>;
-    using Members = std::vector<std::pair<std::string, ArchiveNode>>;
+    using Members = std::vector<ArchiveMember>;
 
     using Held = std::variant<std::monostate, bool, std::int64_t, double, std::string, List, Members>;
 
@@ -38,6 +40,12 @@ struct ArchiveNode {
     const T* as() const {
         return std::get_if<T>(&held);
     }
+};
+
+/// A name and what it holds. No std::pair: whether one can be moved is asked before a node is complete.
+struct ArchiveMember {
+    std::string first;
+    ArchiveNode second;
 };
 
 /// Reads one JSON value within the limits. An error names path and byte.
