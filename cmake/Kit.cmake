@@ -13,3 +13,9 @@ foreach(room platform contract conditions)
     target_include_directories(vigil_${room}_kit INTERFACE
         $<TARGET_PROPERTY:vigil_${room},INTERFACE_INCLUDE_DIRECTORIES>)
 endforeach()
+
+# Where the compiler finds the kit's headers, for vigil_add_plugin.
+set(VIGIL_KIT_INCLUDE_DIRS "${PROJECT_BINARY_DIR}/rooms/platform" "${PROJECT_BINARY_DIR}/rooms/host_contract"
+    "${PROJECT_BINARY_DIR}/rooms/conditions")
+include(cmake/PlugIn.cmake)
+include(cmake/Install.cmake)

@@ -4,10 +4,8 @@
 #include <cmath>
 #include <limits>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/kit/KitClasses.hpp"
 #include "host_contract/EvaluationDictionary.hpp"
 #include "platform/Controls.hpp"
 #include "tests/support/ArchiveSamples.hpp"
@@ -15,12 +13,8 @@
 namespace vigil {
 namespace {
 
-using testing::HasSubstr;
-using tests::Picky;
 using tests::ReferredStation;
-using tests::Refusing;
 using tests::Sample;
-using tests::Throwing;
 
 class KeyedArchiveTest : public testing::Test {
   protected:
@@ -40,18 +34,6 @@ class KeyedArchiveTest : public testing::Test {
 
     std::shared_ptr<Sample> again(const std::shared_ptr<Object>& root) {
         return std::dynamic_pointer_cast<Sample>(read(written(root)));
-    }
-
-    std::string refusal(const std::shared_ptr<Object>& root, const ArchiveLimits& limits = {}) {
-        auto text = writeArchive(root, m_station.get(), limits);
-        return text ? "written: " + text.value() : text.error().message;
-    }
-
-    /// What a reader says to an object of class Sample with these members.
-    std::string complaint(const std::string& members, const ArchiveLimits& limits = {}) {
-        auto object =
-            readArchive(envelope(R"({"$class":"Sample","$id":1)" + members + "}"), m_station, limits);
-        return object ? "read" : object.error().message;
     }
 
     static std::string envelope(const std::string& root) {
@@ -241,73 +223,6 @@ TEST_F(KeyedArchiveTest, readingsAndTheirDictionaryComeBack) {
     EXPECT_EQ(dictionary->objectForKey("t")->value(), 21.5);
     EXPECT_EQ(dictionary->objectForKey("s")->stringValue(), "wet");
     EXPECT_EQ(dictionary->objectForKey("d")->type(), kDateType);
-}
-
-TEST_F(KeyedArchiveTest, anEntryOfAWrongKindIsRefusedWithItsPath) {
-    const auto refused = [&](const std::string& member) {
-        auto object = readArchive(envelope(R"({"$class":"Picky","$id":1,)" + member + "}"), m_station);
-        return object ? "read" : object.error().message;
-    };
-    EXPECT_EQ(refused(R"("flag":0)"), "root.flag: expected true or false");
-    EXPECT_EQ(refused(R"("text":1)"), "root.text: expected a text");
-    EXPECT_EQ(refused(R"("number":"1")"), "root.number: expected a number");
-    EXPECT_EQ(refused(R"("date":1.0)"), "root.date: expected a date");
-    EXPECT_EQ(refused(R"("list":{})"), "root.list: expected a list");
-    EXPECT_EQ(refused(R"("dictionary":[])"), "root.dictionary: expected a dictionary");
-    EXPECT_EQ(refused(R"("sample":{})"), "root.sample: expected an object");
-    EXPECT_EQ(refused(R"("sample":{"$class":"TextField","$id":2})"),
-              "root.sample: an object of class TextField cannot stand here");
-    EXPECT_EQ(refused(R"("text":1,"flag":1)"), "root.flag: expected true or false");
-    EXPECT_EQ(refused(R"("text":null)"), "read");
-}
-
-TEST_F(KeyedArchiveTest, pathsLeadThroughListsToTheFailingEntry) {
-    EXPECT_EQ(
-        complaint(R"(,"children":[1,[{"$class":"Sample","$id":2,"children":[{"$class":"No","$id":3}]}]])"),
-        "root.children[1][0].children[0].$class: no class \"No\" is known");
-    EXPECT_EQ(complaint(R"(,"odd \"key\"":{"$ref":5})"),
-              "root[\"odd \\\"key\\\"\"]: no object has this \"$id\"");
-}
-
-TEST_F(KeyedArchiveTest, writersRefuseWhatNobodyCouldRead) {
-    EXPECT_EQ(refusal(nullptr), "root: there is no object to write");
-    EXPECT_EQ(refusal(m_station), "root: there is no object to write");
-
-    auto root = std::make_shared<Sample>();
-    root->entries[2] =
-        ValueList{Value(std::static_pointer_cast<Object>(std::make_shared<ReferredStation>()))};
-    EXPECT_EQ(refusal(root), "root.children[0]: no class \"ReferredStation\" is known to archives");
-
-    root->entries[2] = Value(std::make_shared<Throwing>());
-    EXPECT_EQ(refusal(root), "root.children: Throwing threw while it was written: no thanks");
-
-    root->entries[2] = ValueDictionary{{"k", Value(1)}, {"k", Value(2)}};
-    EXPECT_EQ(refusal(root), "root.children.k: the key is written twice");
-
-    auto child = std::make_shared<Sample>();
-    child->entries[0] = ValueList{Value(std::static_pointer_cast<Object>(root))};
-    root->entries[2] = Value(child);
-    EXPECT_EQ(refusal(root), "root.children.a[0]: the object is inside itself");
-    child->entries[0] = {};
-}
-
-TEST_F(KeyedArchiveTest, aClassThatWritesAKeyTwiceIsRefused) {
-    struct Twice : Object {
-        std::string className() const override { return "Twice"; }
-        void encodeWithCoder(KeyedEncoder& coder) const override {
-            coder.encodeFlag("title", true);
-            coder.encodeText("title", "x");
-        }
-    };
-    ClassRegistry::shared().add("Twice", &makeObject<Twice>);
-    EXPECT_EQ(refusal(std::make_shared<Twice>()), "root.title: the key is written twice");
-}
-
-TEST_F(KeyedArchiveTest, readersKeepTheObjectsThatRefuseOrThrowAway) {
-    EXPECT_EQ(complaint(R"(,"a":{"$class":"Refusing","$id":2})"), "root.a: no Refusing comes of it");
-    EXPECT_EQ(complaint(R"(,"a":{"$class":"Throwing","$id":2})"),
-              "root.a: Throwing threw while it was read: no thanks");
-    EXPECT_EQ(complaint(R"(,"a":{"$class":"Unmakable","$id":2})"), "root.a: Unmakable threw: cannot be made");
 }
 
 }  // namespace
