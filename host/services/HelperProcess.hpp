@@ -1,0 +1,60 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <sys/types.h>
+
+#include "host/services/HelperWire.hpp"
+#include "host/services/UniqueFd.hpp"
+#include "platform/Result.hpp"
+
+namespace vigil {
+
+/// A running `vigil-helper`: its process and the socket to it. Nothing here waits. For one thread at a time.
+class HelperProcess {
+  public:
+    /// Starts `path` with the sub-command and queues its first message, which is sent as the helper takes it.
+    /// Fails with words.
+    static Result<HelperProcess> start(const std::string& path, const char* command, std::string message);
+
+    HelperProcess(HelperProcess&&) noexcept = default;
+    HelperProcess& operator=(HelperProcess&&) noexcept = default;
+    /// A helper that still runs is killed and waited for.
+    ~HelperProcess();
+
+    /// For poll: -1 once there is nothing more to expect of it.
+    int socket() const { return m_socket.get(); }
+    short socketEvents() const;
+    /// For poll: readable once the helper has ended.
+    int process() const { return m_process.get(); }
+    pid_t number() const { return m_number; }
+
+    /// Sends what is queued and takes what has come, as far as that goes without waiting.
+    void exchange();
+    /// The next whole message of the helper, without its length.
+    std::optional<std::string> next() { return m_in.next(); }
+    /// What the helper sent is no message.
+    bool broken() const { return m_in.broken(); }
+
+    /// Tells the helper to end what it runs, and itself. Its answer still comes.
+    void closeInput();
+    void kill();
+
+    /// Once the helper has ended: how, in words ("was ended by signal 9", "ended with exit status 3").
+    /// Nothing as long as it runs.
+    std::optional<std::string> ending();
+
+  private:
+    HelperProcess(pid_t number, UniqueFd process, UniqueFd socket, std::string message);
+
+    pid_t m_number;
+    UniqueFd m_process;
+    UniqueFd m_socket;
+    std::string m_out;
+    std::size_t m_sent = 0;
+    WireBuffer m_in;
+    std::optional<std::string> m_ending;
+};
+
+}  // namespace vigil
