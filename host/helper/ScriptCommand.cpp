@@ -54,11 +54,9 @@ ScriptResult notStarted(const std::string& why) {
 ScriptResult runJob(const ScriptJob& job, int socket) {
     Result<ScriptFile> file = ScriptFile::write(scriptFolders(job.mark), job.source);
     if (!file) return notStarted(file.error().message);
+    if (!sendAll(socket, encodeScriptStarts())) return notStarted("the host is gone");
     Result<ScriptProcess> process = startScript(job, file.value().path());
     if (!process) return notStarted(process.error().message);
-    const auto number = static_cast<std::uint32_t>(process.value().process);
-    // where this fails the host is gone, and the watch sees that at once
-    sendAll(socket, encodeScriptStarted({number}));
     return ScriptWatch(job, std::move(process).value(), socket).run();
 }
 

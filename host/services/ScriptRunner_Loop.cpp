@@ -122,7 +122,7 @@ void ScriptRunner::State::wait() {
 void ScriptRunner::State::serve(Run& run) {
     run.helper.exchange();
     while (const std::optional<std::string> message = run.helper.next()) {
-        if (decodeScriptStarted(*message))
+        if (isScriptStarts(*message))
             run.started = options.clock();
         else
             run.result = decodeScriptResult(*message);

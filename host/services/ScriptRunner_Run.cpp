@@ -86,7 +86,8 @@ void ScriptRunner::State::noLongerRuns(const std::string& station) {
 void ScriptRunner::State::answer(Waiting of, ScriptResult result, std::optional<Date> started) {
     result.queued = of.queued;
     result.ended = options.clock();
-    result.started = started.value_or(result.ended);
+    const bool ran = started && result.outcome != ScriptResult::NotStarted;
+    result.started = ran ? *started : result.ended;
     const std::lock_guard lock(mutex);
     answers.push_back({std::move(of.ended), std::move(result)});
 }

@@ -54,15 +54,12 @@ std::optional<ScriptJob> decodeScriptJob(std::string_view message) {
     return job;
 }
 
-std::string encodeScriptStarted(const ScriptStarted& started) {
-    return WireWriter('S').number(started.process).take();
+std::string encodeScriptStarts() {
+    return WireWriter('S').take();
 }
 
-std::optional<ScriptStarted> decodeScriptStarted(std::string_view message) {
-    WireReader from(message);
-    ScriptStarted started{from.number()};
-    if (from.kind() != 'S' || !from.complete()) return std::nullopt;
-    return started;
+bool isScriptStarts(std::string_view message) {
+    return message == "S";
 }
 
 std::string encodeScriptResult(const ScriptResult& result) {

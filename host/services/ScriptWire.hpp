@@ -22,11 +22,6 @@ struct ScriptJob {
     std::uint32_t leftoverGrace = 0;       ///< milliseconds for what a script leaves running
 };
 
-/// The helper says that the script runs: message `S`, with its process.
-struct ScriptStarted {
-    std::uint32_t process = 0;
-};
-
 /// The environment entry by which the processes of a run are known, also when their helper is gone.
 inline constexpr const char* kRunMark = "VIGIL_RUN";
 
@@ -34,13 +29,15 @@ inline constexpr const char* kRunMark = "VIGIL_RUN";
 inline constexpr std::uint32_t kScriptWireVersion = 1;
 
 std::string encodeScriptJob(const ScriptJob& job);
-std::string encodeScriptStarted(const ScriptStarted& started);
+/// Message `S`, without fields: the script is about to be started. Sent before the first attempt, so that a
+/// script of whose helper the host has heard no such word has certainly not run.
+std::string encodeScriptStarts();
 /// Message `R`, the last one: all of a result but its dates.
 std::string encodeScriptResult(const ScriptResult& result);
 
 // From a message without its length; nothing when it is of another kind, another version or damaged.
 std::optional<ScriptJob> decodeScriptJob(std::string_view message);
-std::optional<ScriptStarted> decodeScriptStarted(std::string_view message);
+bool isScriptStarts(std::string_view message);
 std::optional<ScriptResult> decodeScriptResult(std::string_view message);
 
 /// Where a run may keep its script, best first: a folder named for the mark in XDG_RUNTIME_DIR, TMPDIR or
