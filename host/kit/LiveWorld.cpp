@@ -1,0 +1,54 @@
+#include "host/kit/LiveWorld.hpp"
+
+#include <cstdlib>
+#include <utility>
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include "host/kit/ExceptionText.hpp"
+#include "host/kit/StandardLog.hpp"
+#include "host/services/SystemClock.hpp"
+
+namespace vigil {
+namespace {
+
+std::string homeFolder() {
+    if (const char* home = std::getenv("HOME"); home && *home) return home;
+    const passwd* user = getpwuid(getuid());
+    return user && user->pw_dir ? user->pw_dir : "";
+}
+
+}  // namespace
+
+std::string defaultScriptsFolder() {
+    const char* settings = std::getenv("XDG_CONFIG_HOME");
+    // The rule for these folders: a path that is not absolute counts as none.
+    if (settings && *settings == '/') return std::string(settings) + "/vigil/scripts";
+    return homeFolder() + "/.config/vigil/scripts";
+}
+
+LiveWorld::LiveWorld(QRVLog& log, InterfaceFiles& interfaceFiles, std::string scriptsFolder)
+    : m_log(log),
+      m_interfaceFiles(interfaceFiles),
+      m_scriptsFolder(std::move(scriptsFolder)),
+      m_mailbox([this](const std::exception_ptr& what) {
+          m_log.logLevel(kLogProblem, "a task of the main queue failed: " + exceptionText(what));
+      }),
+      m_mainLoop(m_mailbox, systemNow),
+      m_sleepingLoop(systemNow) {}
+
+Date LiveWorld::now() {
+    return systemNow();
+}
+
+LocalTime LiveWorld::localTime(Date date) {
+    return systemLocalTime(date);
+}
+
+RunLoop& LiveWorld::currentRunLoop() {
+    if (m_mailbox.isMainThread()) return m_mainLoop;
+    return m_sleepingLoop;
+}
+
+}  // namespace vigil

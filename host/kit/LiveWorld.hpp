@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+
+#include "host/services/Mailbox.hpp"
+#include "host/services/MainRunLoop.hpp"
+#include "host/services/SystemFiles.hpp"
+#include "host_contract/HostWorld.hpp"
+
+namespace vigil {
+
+/// Where a user's scripts are unless said otherwise: "vigil/scripts" in the user's folder for settings
+/// ($XDG_CONFIG_HOME, else ~/.config). Without a final "/".
+std::string defaultScriptsFolder();
+
+/// The world of a site that runs now: the machine's clock, zone and files. The thread that makes it is its
+/// main thread and serves its mailbox.
+class LiveWorld : public HostWorld {
+  public:
+    /// Log and interface files are the caller's and outlive the world.
+    LiveWorld(QRVLog& log, InterfaceFiles& interfaceFiles, std::string scriptsFolder);
+
+    Date now() override;
+    LocalTime localTime(Date date) override;
+    Mailbox& mainQueue() override { return m_mailbox; }
+    NotificationCenter& notificationCenter() override { return m_center; }
+    Files& files() override { return m_files; }
+    RunLoop& currentRunLoop() override;
+    InterfaceFiles& interfaceFiles() override { return m_interfaceFiles; }
+    QRVLog& log() override { return m_log; }
+    std::string scriptsFolder() override { return m_scriptsFolder; }
+    PlugInHost& plugInHost() override { return m_plugInHost; }
+
+  private:
+    QRVLog& m_log;
+    InterfaceFiles& m_interfaceFiles;
+    const std::string m_scriptsFolder;
+    Mailbox m_mailbox;
+    NotificationCenter m_center{m_mailbox};
+    SystemFiles m_files;
+    MainRunLoop m_mainLoop;
+    SleepingRunLoop m_sleepingLoop;
+    PlugInHost m_plugInHost;
+};
+
+}  // namespace vigil

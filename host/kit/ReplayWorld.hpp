@@ -1,0 +1,72 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "host/services/SystemFiles.hpp"
+#include "host_contract/HostWorld.hpp"
+
+namespace vigil {
+
+/// The world of recorded readings: its clock stands until it is turned, waiting turns it, and no time passes
+/// by itself. One thread at a time, and that is its main thread; several replays run side by side, each with
+/// a world of its own.
+class ReplayWorld : public HostWorld {
+  public:
+    using Zone = std::function<LocalTime(Date)>;
+
+    /// Log and interface files are the caller's and outlive the world. Local time is UTC unless a zone is
+    /// given.
+    ReplayWorld(QRVLog& log, InterfaceFiles& interfaceFiles, std::string scriptsFolder, Zone zone = {});
+
+    /// Sets the clock, backwards too, and then runs what has been posted.
+    void turnTo(Date date);
+
+    Date now() override { return m_now; }
+    LocalTime localTime(Date date) override { return m_zone(date); }
+    MainQueue& mainQueue() override { return m_queue; }
+    NotificationCenter& notificationCenter() override { return m_center; }
+    Files& files() override { return m_files; }
+    RunLoop& currentRunLoop() override { return m_runLoop; }
+    InterfaceFiles& interfaceFiles() override { return m_interfaceFiles; }
+    QRVLog& log() override { return m_log; }
+    std::string scriptsFolder() override { return m_scriptsFolder; }
+    PlugInHost& plugInHost() override { return m_plugInHost; }
+
+  private:
+    /// Hand-overs run at once; posted tasks when the clock is turned.
+    class Queue : public MainQueue {
+      public:
+        bool isMainThread() const override { return true; }
+        void dispatchSync(const Task& task) override { task(); }
+        bool dispatchAsync(Task task) override;
+        bool runOne();
+
+      private:
+        std::deque<Task> m_posted;
+    };
+
+    /// Runs one posted task, or, where none waits, turns the clock to the date.
+    class Loop : public RunLoop {
+      public:
+        explicit Loop(ReplayWorld& world) : m_world(world) {}
+        void runUntil(Date date) override;
+
+      private:
+        ReplayWorld& m_world;
+    };
+
+    QRVLog& m_log;
+    InterfaceFiles& m_interfaceFiles;
+    const std::string m_scriptsFolder;
+    const Zone m_zone;
+    Date m_now = Date::distantPast();
+    Queue m_queue;
+    NotificationCenter m_center{m_queue};
+    SystemFiles m_files;
+    Loop m_runLoop{*this};
+    PlugInHost m_plugInHost;
+};
+
+}  // namespace vigil

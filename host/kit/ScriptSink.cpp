@@ -1,0 +1,7 @@
+#include "host/kit/ScriptSink.hpp"
+
+namespace vigil {
+
+ScriptSink::~ScriptSink() = default;
+
+}  // namespace vigil
