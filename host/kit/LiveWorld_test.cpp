@@ -65,13 +65,13 @@ class Variable {
 };
 
 TEST(DefaultScriptsFolder, IsInTheFolderForSettings) {
-    const Variable home("HOME", "/home/ann");
+    const Variable home("HOME", "/ann");
     const Variable settings("XDG_CONFIG_HOME", "/etc/ann");
     EXPECT_EQ(defaultScriptsFolder(), "/etc/ann/vigil/scripts");
     const Variable relative("XDG_CONFIG_HOME", "ann");
-    EXPECT_EQ(defaultScriptsFolder(), "/home/ann/.config/vigil/scripts");
+    EXPECT_EQ(defaultScriptsFolder(), "/ann/.config/vigil/scripts");
     const Variable empty("XDG_CONFIG_HOME", "");
-    EXPECT_EQ(defaultScriptsFolder(), "/home/ann/.config/vigil/scripts");
+    EXPECT_EQ(defaultScriptsFolder(), "/ann/.config/vigil/scripts");
 }
 
 }  // namespace
