@@ -41,10 +41,18 @@ namespace vigil {
 ///
 /// An error tells the path first: `readings.windChill.value: expected a number`.
 ///
+/// What a reading takes from around it.
+struct ReadingDefaults {
+    std::string_view key;
+    std::string_view name{};     ///< the display name where none is given; empty: the key
+    std::optional<Date> time{};  ///< the notification's
+    /// Used again where it says what the reading's label would say, so that notifications share their labels.
+    std::shared_ptr<const AgentPropertyLabel> like{};
+};
+
 /// `element` is what stands at `path`; nothing when the reading is absent.
 Result<std::optional<AgentProperty>> readingFromJson(const simdjson::dom::element& element,
-                                                     std::string_view key, std::optional<Date> time,
-                                                     std::string_view path);
+                                                     const ReadingDefaults& defaults, std::string_view path);
 
 /// An object from key to reading. Keys are kept as they stand and in their order, a key that stands twice
 /// included; `propertyName` in a long form must equal its key.
