@@ -3,7 +3,7 @@
 namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
-    static const std::vector<AddCommand> commands = {};
+    static const std::vector<AddCommand> commands = {addCheckCommand, addEvalCommand};
     return commands;
 }
 
