@@ -1,6 +1,5 @@
 #include "host/command/FeedOptions.hpp"
 
-#include <map>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -19,10 +18,16 @@ void addFeedOptions(CLI::App& command, FeedOptions& options) {
             [&options](const std::string& name) { options.csv.station = options.lines.station = name; },
             "Take the readings of this station only")
         ->type_name("NAME");
-    command.add_option("--units", options.csv.units, "CSV: the units of the numbers, metric (default) or us")
-        ->type_name("SYSTEM")
-        ->transform(CLI::Transformer(
-            std::map<std::string, UnitSystem>{{"metric", UnitSystem::Metric}, {"us", UnitSystem::Us}}));
+    command
+        .add_option_function<std::string>(
+            "--units",
+            [&options](const std::string& system) {
+                if (system != "metric" && system != "us")
+                    throw CLI::ValidationError("--units", "expected metric or us");
+                options.csv.units = system == "us" ? UnitSystem::Us : UnitSystem::Metric;
+            },
+            "CSV: the units of the numbers, metric (default) or us")
+        ->type_name("SYSTEM");
     command
         .add_option_function<std::string>(
             "--separator",

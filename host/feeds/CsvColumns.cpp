@@ -40,6 +40,16 @@ bool isMissingNumber(double number) {
     return std::find(kMissingNumbers.begin(), kMissingNumbers.end(), number) != kMissingNumbers.end();
 }
 
+/// "12,5": what other languages write for 12.5.
+bool hasDecimalComma(std::string_view cell) {
+    const std::size_t comma = cell.find(',');
+    if (comma == std::string_view::npos) return false;
+    std::string dotted(cell);
+    dotted[comma] = '.';
+    double number = 0;
+    return readNumber(dotted, number) == NumberForm::Number;
+}
+
 std::string shown(std::string_view cell) {
     constexpr std::size_t kMost = 40;
     return "\"" + repairedUtf8(cell.substr(0, kMost)) + (cell.size() > kMost ? "…\"" : "\"");
@@ -73,18 +83,22 @@ std::optional<AgentProperty> CsvColumns::reading(Column& column, std::string_vie
     const NumberForm form = readNumber(cell, number);
     // A number is told from its mark at once; only what is no number is compared with the words.
     if (form == NumberForm::Number ? isMissingNumber(number) : isMissingMark(cell)) return std::nullopt;
-    if (column.role == Role::Undecided) decide(column, form == NumberForm::None ? kTextType : kNumericType);
+    if (column.role == Role::Undecided) {
+        decide(column, form == NumberForm::None ? kTextType : kNumericType);
+        if (hasDecimalComma(cell))
+            problem = shown(cell) + " has no decimal point; the column is read as texts";
+    }
     const FourCharCode type = column.label->type;
     if (type == kTextType) {
         if (isValidUtf8(cell))
             return AgentProperty(column.label, {.stringValue = std::string(cell), .time = time});
-        problem = shown(cell) + " is not UTF-8";
+        problem = shown(cell) + " is not UTF-8; the cell is left out";
         return std::nullopt;
     }
     if (type == kDateType) {
         const auto date = recordedTime(cell);
         if (!date) {
-            problem = repairedUtf8(date.error().message);
+            problem = repairedUtf8(date.error().message) + "; the cell is left out";
             return std::nullopt;
         }
         const double seconds = date.value().secondsSinceReference();
@@ -92,9 +106,9 @@ std::optional<AgentProperty> CsvColumns::reading(Column& column, std::string_vie
     }
     if (form == NumberForm::Number)
         return AgentProperty(column.label, {.value = number, .unitValue = number, .time = time});
-    problem =
-        shown(cell) + (form == NumberForm::OutOfRange ? " is a number too large or too small"
-                                                      : " is no number, as the column's first value is");
+    problem = shown(cell);
+    problem += form == NumberForm::OutOfRange ? " is a number too large or too small; the cell is left out"
+                                              : " is no number, as the column's first value is; left out";
     return std::nullopt;
 }
 
@@ -110,8 +124,7 @@ std::shared_ptr<const Readings> CsvColumns::readings(const CsvRow& row, Date tim
         if (made) entries.push_back(*std::move(made));
         if (problem.empty()) continue;
         if (tell)
-            tell({row.lineOf(i), "column " + std::to_string(i + 1) + " (" + column.name + "): " + problem +
-                                     "; the cell is left out"});
+            tell({row.lineOf(i), "column " + std::to_string(i + 1) + " (" + column.name + "): " + problem});
         problem.clear();
     }
     return Readings::make(m_table, std::move(entries));
