@@ -12,6 +12,7 @@ CsvRows::CsvRows(std::unique_ptr<Bytes> from, char separator, ProblemTeller tell
 bool CsvRows::next(CsvRow& row) {
     for (;;) {
         const Ended ended = readRow(row);
+        if (failure()) return false;  // what has been read of the row may lack its end
         if (ended == Ended::Refused) continue;
         const bool blank = row.size() == 1 && row.cell(0).empty();
         if (!blank) return true;

@@ -51,10 +51,14 @@ Sun sunAt(Date time) {
     constexpr double kLatitude = 50 * kTurn / 360;
     constexpr double kTilt = 23.44 * kTurn / 360;
     constexpr double kRiseHeight = -0.833 * kTurn / 360;  // the upper edge, through the air
+    constexpr double kEccentricity = 0.0167;              // of the earth's orbit
     constexpr double kYear = 365.2425 * kDay;
     const double midnight = midnightBefore(time);
-    // The origin is a 1 January; the sun stands lowest ten days before it.
-    const double declination = -kTilt * std::cos(kTurn * (midnight + 10 * kDay) / kYear);
+    // The origin is a 1 January; the sun stands lowest ten days before it, and the earth is nearest to the
+    // sun, and so fastest, two days behind it.
+    const double fromSolstice = kTurn * (midnight + 10 * kDay) / kYear;
+    const double ahead = 2 * kEccentricity * std::sin(kTurn * (midnight - 2 * kDay) / kYear);
+    const double declination = std::asin(-std::sin(kTilt) * std::cos(fromSolstice + ahead));
     const double across = std::cos(kLatitude) * std::cos(declination);
     const double along = std::sin(kLatitude) * std::sin(declination);
     const double angle = kTurn * ((time.secondsSinceReference() - midnight) / kDay - 0.5);

@@ -26,6 +26,7 @@ TextLines::Found TextLines::next() {
         }
         if (refill()) continue;
         m_at = m_end;
+        if (m_failure) return Found::End;  // what has been read of the line may lack its end
         if (tooLong) return foundTooLong();
         if (searched == 0) return Found::End;
         return found({m_buffer.data() + m_end - searched, searched});
