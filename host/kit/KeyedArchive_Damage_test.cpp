@@ -15,6 +15,7 @@
 namespace vigil {
 namespace {
 
+using namespace std::string_literals;
 using tests::Sample;
 
 /// Graphs of every kind of value with shared objects; the same seed gives the same graph.
@@ -175,7 +176,7 @@ TEST_F(KeyedArchiveDamageTest, withAnyByteChangedItIsReadOrRefused) {
     int read = 0;
     int refused = 0;
     for (std::size_t i = 0; i < whole.size(); ++i) {
-        const std::string others = std::string("\0 \"\\{}[],:0129-+.eE$abtn\x7F\x80\xC3\xFF", 31);
+        const std::string others = "\0 \"\\{}[],:0129-+.eE$abtn\x7F\x80\xC3\xFF"s;
         for (const char other :
              others + static_cast<char>(whole[i] ^ 1) + static_cast<char>(whole[i] ^ 0x20)) {
             std::string text = whole;
