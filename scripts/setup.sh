@@ -79,7 +79,11 @@ apt_install() {
         grep -E '^(Need to get|After this operation)' || true)"
     [[ -n $size ]] && printf '%s\n' "$size"
     say "This takes about a minute on a fast line, about five on a slow one."
-    if ! "${apt[@]}" -qq install -y --no-install-recommends "$@" </dev/null; then
-        fail "$EXIT_ENVIRONMENT" "apt-get could not install the packages; its own message stands above"
+    local log="$VIGIL_ROOT/build/setup.log"
+    mkdir -p "$VIGIL_ROOT/build"
+    if ! "${apt[@]}" -qq install -y --no-install-recommends "$@" </dev/null >"$log" 2>&1; then
+        tail -n 20 "$log" >&2
+        fail "$EXIT_ENVIRONMENT" "apt-get could not install the packages; its own message stands above and in $log"
     fi
+    say "Installed"
 }

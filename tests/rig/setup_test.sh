@@ -13,7 +13,7 @@ world() {
     mkdir "$scratch/bin"
     : >"$scratch/calls"
     local tool
-    for tool in bash dirname env grep cat rm sed true; do
+    for tool in bash dirname env grep cat rm sed true mkdir tail; do
         ln -s "$(type -P "$tool")" "$scratch/bin/$tool"
     done
 }
