@@ -36,11 +36,20 @@ calmly() {
     fi
 }
 
+# ccache stops a build where it cannot write its cache, so a user without a home folder gets one in the clone.
+own_ccache() {
+    local cache="${CCACHE_DIR:-${XDG_CACHE_HOME:-${HOME:-/nonexistent}/.cache}/ccache}"
+    if ! mkdir -p "$cache" 2>/dev/null || [[ ! -w $cache ]]; then
+        export CCACHE_DIR="$VIGIL_ROOT/build/ccache"
+    fi
+}
+
 # build PRESET [CMAKE-BUILD-ARGUMENTS...]: two jobs, or VIGIL_JOBS.
 build() {
     local preset="$1"
     shift
     configure "$preset" || return
+    own_ccache
     (cd "$VIGIL_ROOT" && calmly "$preset" cmake --build --preset "$preset" --parallel "${VIGIL_JOBS:-2}" "$@")
 }
 
