@@ -11,6 +11,15 @@ std::string shownName(const std::string& path) {
     return path == "-" ? "standard input" : path;
 }
 
+/// What the file's name says of its form, if anything.
+std::optional<bool> isNamedJsonLines(const std::string& path) {
+    const std::size_t dot = path.rfind('.');
+    const std::string ending = dot == std::string::npos ? "" : path.substr(dot);
+    if (ending == ".jsonl" || ending == ".ndjson" || ending == ".json") return true;
+    if (ending == ".csv" || ending == ".tsv") return false;
+    return std::nullopt;
+}
+
 /// Whether what begins so is JSON lines; nothing as long as more is needed to tell.
 std::optional<bool> looksLikeJsonLines(std::string_view front) {
     if (front.starts_with("\xEF\xBB\xBF")) front.remove_prefix(3);
@@ -48,7 +57,7 @@ Opened openRecorded(const std::string& path, CsvOptions csv, JsonLinesOptions li
     if (!opened) return opened.error();
     std::unique_ptr<Bytes> bytes = std::move(opened).value();
     std::string front;
-    std::optional<bool> isLines;
+    std::optional<bool> isLines = isNamedJsonLines(path);
     while (!isLines && front.size() < kLongestRow) {
         char chunk[4096];
         const auto got = bytes->read(chunk, sizeof chunk);

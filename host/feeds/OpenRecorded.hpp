@@ -41,7 +41,8 @@ using Opened = Result<std::unique_ptr<RecordedSource>, OpenError>;
 /// `path` is a file, or "-" for standard input.
 Opened openCsv(const std::string& path, CsvOptions options, ProblemTeller tell);
 Opened openJsonLines(const std::string& path, JsonLinesOptions options, ProblemTeller tell);
-/// Either form, told apart by the first byte that is no blank: JSON lines begin with "{".
+/// Either form, told apart by the file's name (.jsonl, .ndjson and .json, .csv and .tsv), else by the first
+/// byte that is no blank: JSON lines begin with "{".
 Opened openRecorded(const std::string& path, CsvOptions csv, JsonLinesOptions lines, ProblemTeller tell);
 
 /// The same from an open stream; `name` stands for the file in messages.

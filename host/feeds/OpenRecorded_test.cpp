@@ -42,7 +42,19 @@ std::size_t countOf(Opened opened) {
     return count;
 }
 
-TEST_F(OpenRecorded, theFormIsToldFromTheFirstByte) {
+TEST_F(OpenRecorded, theFormIsToldFromTheName) {
+    std::vector<std::string> told;
+    const ProblemTeller tell = [&told](const FeedProblem& problem) { told.push_back(problem.message); };
+    const std::string contents = "{time,{a\n2026-01-01,1\n";
+    CsvOptions csv;
+    csv.timeColumn = "{time";
+    EXPECT_EQ(countOf(openRecorded(file("a.csv", contents), csv, {}, tell)), 1u);
+    EXPECT_TRUE(told.empty());
+    EXPECT_EQ(countOf(openRecorded(file("a.jsonl", "nope\n"), {}, {}, tell)), 0u);
+    EXPECT_EQ(told.size(), 1u);
+}
+
+TEST_F(OpenRecorded, elseTheFormIsToldFromTheFirstByte) {
     const std::string line = R"({"time":0,"readings":{}})";
     EXPECT_EQ(countOf(openRecorded(file("a", "time,a\n2026-01-01,1\n"), {}, {}, {})), 1u);
     EXPECT_EQ(countOf(openRecorded(file("b", line + "\n" + line), {}, {}, {})), 2u);
