@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "conditions/Relation.hpp"
 
@@ -9,9 +10,13 @@ namespace vigil {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
 
-bool isNumeric(const ConditionNode& node) {
-    return node.comparison() && node.comparison()->member != ComparisonMember::StringValue;
+bool isOrdering(const ConditionNode& node) {
+    const Comparison* comparison = node.comparison();
+    return comparison && comparison->member != ComparisonMember::StringValue &&
+           comparison->op != ComparisonOperator::Equal && comparison->op != ComparisonOperator::NotEqual;
 }
 
 double numberOf(const ComparisonLiteral& literal) {
@@ -34,19 +39,22 @@ void Binder::bind(const ConditionNode& tree) {
 }
 
 void Binder::node(const ConditionNode& node, Exits exits) {
-    if (node.isCompound())
+    const Comparison* comparison = node.comparison();
+    if (!comparison)
         compound(node, exits);
-    else if (isNumeric(node))
-        numbers(&node, 1, Connective::And, exits);
+    else if (comparison->member == ComparisonMember::StringValue)
+        text(*comparison, exits);
+    else if (isOrdering(node))
+        orderings(&node, 1, Connective::And, exits);
     else
-        text(*node.comparison(), exits);
+        equality(*comparison, exits);
 }
 
 void Binder::compound(const ConditionNode& node, Exits exits) {
     const auto& parts = node.parts();
     for (std::size_t i = 0; i < parts.size();) {
         std::size_t end = i;
-        while (end < parts.size() && isNumeric(parts[end]))
+        while (end < parts.size() && isOrdering(parts[end]))
             ++end;
         const std::size_t count = end == i ? 1 : end - i;
         Exits here = exits;
@@ -58,60 +66,48 @@ void Binder::compound(const ConditionNode& node, Exits exits) {
         if (end == i)
             this->node(parts[i], here);
         else
-            numbers(&parts[i], count, node.connective(), here);
+            orderings(&parts[i], count, node.connective(), here);
         if (!last) place(here.next);
         i += count;
     }
 }
 
-void Binder::numbers(const ConditionNode* first, std::size_t count, Connective connective, Exits exits) {
+void Binder::orderings(const ConditionNode* first, std::size_t count, Connective connective, Exits exits) {
     const std::size_t start = m_bound.m_numbers.size();
-    const bool opposite = connective == Connective::Or;
     for (std::size_t i = 0; i < count; ++i) {
-        BoundCondition::NumberTest test = numberTest(*first[i].comparison());
-        if (opposite) test.negated = !test.negated;
-        m_bound.m_numbers.push_back(test);
+        const Comparison& comparison = *first[i].comparison();
+        numberTest(comparison, comparison.op);
     }
-    const Label yes = opposite ? exits.whenFalse : exits.whenTrue;
-    const Label no = opposite ? exits.whenTrue : exits.whenFalse;
-    step(BoundCondition::StepKind::Numbers, start, count, yes, no, exits.next);
+    const bool all = connective == Connective::And;
+    step(all ? BoundCondition::StepKind::AllNumbers : BoundCondition::StepKind::AnyNumber, start, count,
+         exits.whenTrue, exits.whenFalse, exits.next);
 }
 
-BoundCondition::NumberTest Binder::numberTest(const Comparison& comparison) const {
+// Equal is neither above nor below; unequal is what is not equal, no value included.
+void Binder::equality(const Comparison& comparison, Exits exits) {
+    const std::size_t start = m_bound.m_numbers.size();
+    numberTest(comparison, ComparisonOperator::LessOrEqual);
+    numberTest(comparison, ComparisonOperator::GreaterOrEqual);
+    if (comparison.op == ComparisonOperator::NotEqual) std::swap(exits.whenTrue, exits.whenFalse);
+    step(BoundCondition::StepKind::AllNumbers, start, 2, exits.whenTrue, exits.whenFalse, exits.next);
+}
+
+void Binder::numberTest(const Comparison& comparison, ComparisonOperator ordering) {
     using enum ComparisonOperator;
     const double literal = numberOf(comparison.literal);
-    BoundCondition::NumberTest test{.low = -kInfinity,
-                                    .high = kInfinity,
-                                    .member = comparison.member == ComparisonMember::Value
-                                                  ? &AgentProperty::Parts::value
-                                                  : &AgentProperty::Parts::unitValue,
-                                    .slot = 0,
-                                    .negated = comparison.op == NotEqual};
-    switch (comparison.op) {
-        case Equal:
-        case NotEqual:
-            test.low = test.high = literal;
-            break;
-        case Less:
-            test.high = std::nextafter(literal, -kInfinity);
-            break;
-        case LessOrEqual:
-            test.high = literal;
-            break;
-        case Greater:
-            test.low = std::nextafter(literal, kInfinity);
-            break;
-        case GreaterOrEqual:
-            test.low = literal;
-            break;
-    }
-    if (const auto slot = m_table.slot(comparison.key)) {
-        test.slot = *slot;
-    } else {
-        test.low = kInfinity;  // an interval that holds nothing, whatever stands in the slot
-        test.high = -kInfinity;
-    }
-    return test;
+    const auto slot = m_table.slot(comparison.key);
+    // x > a says the same as -x < -a, and x < a that x is at most the next number below a.
+    const bool turned = ordering == Greater || ordering == GreaterOrEqual;
+    const bool strict = ordering == Greater || ordering == Less;
+    const double bound = turned ? -literal : literal;
+    m_bound.m_numbers.push_back({.bound = !slot    ? kNaN
+                                          : strict ? std::nextafter(bound, -kInfinity)
+                                                   : bound,
+                                 .signFlip = turned ? kSignBit : 0,
+                                 .member = comparison.member == ComparisonMember::Value
+                                               ? &AgentProperty::Parts::value
+                                               : &AgentProperty::Parts::unitValue,
+                                 .slot = slot.value_or(0)});
 }
 
 void Binder::text(const Comparison& comparison, Exits exits) {

@@ -29,12 +29,13 @@ class Binder {
 
     void node(const ConditionNode& node, Exits exits);
     void compound(const ConditionNode& node, Exits exits);
-    void numbers(const ConditionNode* first, std::size_t count, Connective connective, Exits exits);
+    void orderings(const ConditionNode* first, std::size_t count, Connective connective, Exits exits);
+    void equality(const Comparison& comparison, Exits exits);
     void text(const Comparison& comparison, Exits exits);
 
     void step(BoundCondition::StepKind kind, std::size_t first, std::size_t count, Label yes, Label no,
               Label next);
-    BoundCondition::NumberTest numberTest(const Comparison& comparison) const;
+    void numberTest(const Comparison& comparison, ComparisonOperator ordering);
     Label newLabel();
     void place(Label label);
 

@@ -1,7 +1,7 @@
 #include "conditions/BoundCondition.hpp"
 
+#include <bit>
 #include <cassert>
-#include <limits>
 #include <string_view>
 
 #include "conditions/Binder.hpp"
@@ -10,16 +10,8 @@
 namespace vigil {
 namespace {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-// Stands for a reading that is not there: comparisons with no value come out as those with NaN.
-constinit const AgentProperty::Parts kNoParts{.value = kNaN, .unitValue = kNaN};
-
 // An empty table has no slot 0 that a test could look at.
 constinit const AgentProperty* const kNoReadings[1] = {nullptr};
-
-// Tests that are asked at once, without a branch between them.
-constexpr std::uint32_t kStride = 4;
 
 }  // namespace
 
@@ -30,9 +22,10 @@ BoundCondition::BoundCondition(const ConditionNode& tree, const KeyTable& table)
 
 inline bool BoundCondition::NumberTest::holds(const AgentProperty* const* bySlot) const {
     const AgentProperty* reading = bySlot[slot];
-    const AgentProperty::Parts& parts = reading ? reading->parts() : kNoParts;
-    const double x = parts.*member;
-    return ((x >= low) & (x <= high)) != negated;
+    if (!reading) [[unlikely]]
+        return false;
+    const auto bits = std::bit_cast<std::uint64_t>(reading->parts().*member) ^ signFlip;
+    return std::bit_cast<double>(bits) <= bound;
 }
 
 bool BoundCondition::TextTest::holds(const AgentProperty* const* bySlot) const {
@@ -53,44 +46,43 @@ bool BoundCondition::TextTest::holds(const AgentProperty* const* bySlot) const {
     return wanted & (order < 0 ? kLess : order > 0 ? kGreater : kEqual);
 }
 
-inline bool BoundCondition::allHold(const Step& step, const AgentProperty* const* bySlot) const {
+template <bool wanted>
+inline bool BoundCondition::anyComesOut(const Step& step, const AgentProperty* const* bySlot) const {
     const NumberTest* test = m_numbers.data() + step.first;
-    std::uint32_t left = step.count;
-    for (; left >= kStride; left -= kStride, test += kStride) {
-        bool all = true;
-        for (std::uint32_t i = 0; i < kStride; ++i)
-            all &= test[i].holds(bySlot);
-        if (!all) return false;
-    }
-    bool all = true;
-    for (; left > 0; --left, ++test)
-        all &= test->holds(bySlot);
-    return all;
+    for (const NumberTest* end = test + step.count; test != end; ++test)
+        if (test->holds(bySlot) == wanted) return true;
+    return false;
 }
 
-bool BoundCondition::holds(const ReadingsView& readings) const {
-    assert(!readings.table || readings.table->id() == m_tableId);
-    const AgentProperty* const* bySlot = m_tableIsEmpty ? kNoReadings : readings.bySlot;
+template <bool withTexts>
+bool BoundCondition::run(const AgentProperty* const* bySlot) const {
     const Step* const steps = m_steps.data();
     for (const Step* step = steps;;) {
         bool answer = false;
         switch (step->kind) {
-            case StepKind::Numbers:
-                answer = allHold(*step, bySlot);
+            case StepKind::AllNumbers:
+                answer = !anyComesOut<false>(*step, bySlot);
+                break;
+            case StepKind::AnyNumber:
+                answer = anyComesOut<true>(*step, bySlot);
                 break;
             case StepKind::Text:
-                answer = m_texts[step->first].holds(bySlot);
+                if constexpr (withTexts) answer = m_texts[step->first].holds(bySlot);
                 break;
             case StepKind::True:
                 return true;
             case StepKind::False:
                 return false;
         }
-        if (answer == step->jumpWhen)
-            step = steps + step->target;
-        else
-            ++step;
+        step = answer == step->jumpWhen ? steps + step->target : step + 1;
     }
+}
+
+bool BoundCondition::holds(const ReadingsView& readings) const {
+    assert(!readings.table || readings.table->id() == m_tableId);
+    const AgentProperty* const* bySlot = m_tableIsEmpty ? kNoReadings : readings.bySlot;
+    // Without texts nothing is called, which saves the registers' way to the stack and back.
+    return m_texts.empty() ? run<false>(bySlot) : run<true>(bySlot);
 }
 
 }  // namespace vigil

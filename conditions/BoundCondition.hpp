@@ -29,14 +29,14 @@ class VIGIL_KIT BoundCondition {
 
     static constexpr KeyTable::Slot kNoSlot = std::numeric_limits<KeyTable::Slot>::max();
 
-    /// A number of a reading lies in a closed interval or, negated, does not. Every operator is such a test;
-    /// NaN lies in no interval, and neither does a reading that is not there.
+    /// A number of a reading, with its sign turned or not, is at most the bound. Every ordering comes down to
+    /// this one test, equality to two of them. NaN passes none, and neither does a reading that is not there;
+    /// the bound NaN is passed by nothing.
     struct NumberTest {
-        double low;
-        double high;
+        double bound;
+        std::uint64_t signFlip;  ///< the sign bit or nothing
         double AgentProperty::Parts::*member;
         KeyTable::Slot slot;
-        bool negated;
 
         bool holds(const AgentProperty* const* bySlot) const;
     };
@@ -48,9 +48,9 @@ class VIGIL_KIT BoundCondition {
 
         bool holds(const AgentProperty* const* bySlot) const;
     };
-    enum class StepKind : std::uint8_t { Numbers, Text, True, False };
-    /// "Do all these tests hold?", and where to go on: at `target` when the answer is `jumpWhen`, else with
-    /// the next step. True and False end the program.
+    enum class StepKind : std::uint8_t { AllNumbers, AnyNumber, Text, True, False };
+    /// "Do all these tests hold?", "does any?", "does this one?", and where to go on: at `target` when the
+    /// answer is `jumpWhen`, else with the next step. True and False end the program.
     struct Step {
         StepKind kind = StepKind::False;
         bool jumpWhen = false;
@@ -59,7 +59,12 @@ class VIGIL_KIT BoundCondition {
         std::uint32_t target = 0;
     };
 
-    bool allHold(const Step& step, const AgentProperty* const* bySlot) const;
+    /// Whether one of the step's tests comes out as `wanted`.
+    template <bool wanted>
+    bool anyComesOut(const Step& step, const AgentProperty* const* bySlot) const;
+
+    template <bool withTexts>
+    bool run(const AgentProperty* const* bySlot) const;
 
     std::uint64_t m_tableId;
     bool m_tableIsEmpty;
