@@ -1,17 +1,16 @@
 #include "conditions/Binder.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <utility>
+#include <vector>
 
 #include "conditions/Relation.hpp"
 
 namespace vigil {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
 
 bool isOrdering(const ConditionNode& node) {
     const Comparison* comparison = node.comparison();
@@ -19,113 +18,145 @@ bool isOrdering(const ConditionNode& node) {
            comparison->op != ComparisonOperator::Equal && comparison->op != ComparisonOperator::NotEqual;
 }
 
-double numberOf(const ComparisonLiteral& literal) {
-    if (const auto* date = std::get_if<Date>(&literal)) return date->secondsSinceReference();
-    return std::get<double>(literal);
+// How many parts from `first` on are orderings of one member.
+std::size_t runLength(const std::vector<ConditionNode>& parts, std::size_t first) {
+    std::size_t end = first;
+    while (end < parts.size() && isOrdering(parts[end]) &&
+           parts[end].comparison()->member == parts[first].comparison()->member)
+        ++end;
+    return end - first;
 }
 
-}  // namespace
+StepKind kindOf(ComparisonMember member, Connective connective) {
+    const bool all = connective == Connective::And;
+    if (member == ComparisonMember::Value) return all ? StepKind::AllValues : StepKind::AnyValue;
+    return all ? StepKind::AllUnitValues : StepKind::AnyUnitValue;
+}
 
-void Binder::bind(const ConditionNode& tree) {
+NumberTest numberTest(const Comparison& comparison, ComparisonOperator ordering, const KeyTable& table) {
+    using enum ComparisonOperator;
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const auto* date = std::get_if<Date>(&comparison.literal);
+    const double literal = date ? date->secondsSinceReference() : std::get<double>(comparison.literal);
+    // x < a says the same as -x > -a, and x > a that x is at least the next number above a.
+    const bool turned = ordering == Less || ordering == LessOrEqual;
+    double bound = turned ? -literal : literal;
+    if (ordering == Less || ordering == Greater) bound = std::nextafter(bound, kInfinity);
+    const auto slot = table.slot(comparison.key);
+    if (!slot) bound = std::numeric_limits<double>::quiet_NaN();
+    return {.sign = turned ? -1.0 : 1.0, .bound = bound, .slot = slot.value_or(0)};
+}
+
+class Binder {
+  public:
+    explicit Binder(const KeyTable& table) : m_table(table) {}
+
+    Program bind(const ConditionNode& tree);
+
+  private:
+    using Label = std::uint32_t;  // a place in the program that may not be known yet
+    // Where to go on after a node. One of the two is `next`, what is placed right behind the node's code.
+    struct Exits {
+        Label whenTrue;
+        Label whenFalse;
+        Label next;
+    };
+
+    void node(const ConditionNode& node, Exits exits);
+    void compound(const ConditionNode& node, Exits exits);
+    void orderings(const ConditionNode* nodes, std::size_t count, Connective connective, Exits exits);
+    void equality(const Comparison& comparison, Exits exits);
+    void text(const Comparison& comparison, Exits exits);
+    void step(StepKind kind, std::size_t first, std::size_t end, Exits exits);
+
+    Label newLabel();
+    void place(Label label);
+
+    const KeyTable& m_table;
+    Program m_program;
+    std::vector<std::uint32_t> m_places;  // of each label, as an index of a step
+};
+
+Program Binder::bind(const ConditionNode& tree) {
     const Label whenTrue = newLabel();
     const Label whenFalse = newLabel();
     node(tree, {whenTrue, whenFalse, whenTrue});
     place(whenTrue);
-    m_bound.m_steps.push_back({.kind = BoundCondition::StepKind::True});
+    m_program.steps.push_back({.kind = StepKind::True});
     place(whenFalse);
-    m_bound.m_steps.push_back({.kind = BoundCondition::StepKind::False});
-    for (BoundCondition::Step& step : m_bound.m_steps)
+    m_program.steps.push_back({.kind = StepKind::False});
+    for (Step& step : m_program.steps)
         step.target = m_places[step.target];
+    return std::move(m_program);
 }
 
 void Binder::node(const ConditionNode& node, Exits exits) {
     const Comparison* comparison = node.comparison();
-    if (!comparison)
+    if (!comparison) {
         compound(node, exits);
-    else if (comparison->member == ComparisonMember::StringValue)
+    } else if (comparison->member == ComparisonMember::StringValue) {
         text(*comparison, exits);
-    else if (isOrdering(node))
+    } else if (isOrdering(node)) {
         orderings(&node, 1, Connective::And, exits);
-    else
+    } else {
         equality(*comparison, exits);
+    }
 }
 
+// The depth of a tree is bounded, and with it that of these calls.
 void Binder::compound(const ConditionNode& node, Exits exits) {
     const auto& parts = node.parts();
     for (std::size_t i = 0; i < parts.size();) {
-        std::size_t end = i;
-        while (end < parts.size() && isOrdering(parts[end]))
-            ++end;
-        const std::size_t count = end == i ? 1 : end - i;
+        const std::size_t run = runLength(parts, i);
+        const std::size_t after = i + std::max<std::size_t>(run, 1);
+        const bool last = after == parts.size();
         Exits here = exits;
-        const bool last = i + count == parts.size();
         if (!last) {
             here.next = newLabel();
             (node.connective() == Connective::And ? here.whenTrue : here.whenFalse) = here.next;
         }
-        if (end == i)
-            this->node(parts[i], here);
+        if (run > 0)
+            orderings(&parts[i], run, node.connective(), here);
         else
-            orderings(&parts[i], count, node.connective(), here);
+            this->node(parts[i], here);
         if (!last) place(here.next);
-        i += count;
+        i = after;
     }
 }
 
-void Binder::orderings(const ConditionNode* first, std::size_t count, Connective connective, Exits exits) {
-    const std::size_t start = m_bound.m_numbers.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const Comparison& comparison = *first[i].comparison();
-        numberTest(comparison, comparison.op);
-    }
-    const bool all = connective == Connective::And;
-    step(all ? BoundCondition::StepKind::AllNumbers : BoundCondition::StepKind::AnyNumber, start, count,
-         exits.whenTrue, exits.whenFalse, exits.next);
+void Binder::orderings(const ConditionNode* nodes, std::size_t count, Connective connective, Exits exits) {
+    auto& tests = m_program.numbers;
+    const std::size_t first = tests.size();
+    for (std::size_t i = 0; i < count; ++i)
+        tests.push_back(numberTest(*nodes[i].comparison(), nodes[i].comparison()->op, m_table));
+    step(kindOf(nodes->comparison()->member, connective), first, tests.size(), exits);
 }
 
-// Equal is neither above nor below; unequal is what is not equal, no value included.
+// Equal is at most and at least; unequal is what is not equal, no value included.
 void Binder::equality(const Comparison& comparison, Exits exits) {
-    const std::size_t start = m_bound.m_numbers.size();
-    numberTest(comparison, ComparisonOperator::LessOrEqual);
-    numberTest(comparison, ComparisonOperator::GreaterOrEqual);
+    auto& tests = m_program.numbers;
+    const std::size_t first = tests.size();
+    tests.push_back(numberTest(comparison, ComparisonOperator::LessOrEqual, m_table));
+    tests.push_back(numberTest(comparison, ComparisonOperator::GreaterOrEqual, m_table));
     if (comparison.op == ComparisonOperator::NotEqual) std::swap(exits.whenTrue, exits.whenFalse);
-    step(BoundCondition::StepKind::AllNumbers, start, 2, exits.whenTrue, exits.whenFalse, exits.next);
-}
-
-void Binder::numberTest(const Comparison& comparison, ComparisonOperator ordering) {
-    using enum ComparisonOperator;
-    const double literal = numberOf(comparison.literal);
-    const auto slot = m_table.slot(comparison.key);
-    // x > a says the same as -x < -a, and x < a that x is at most the next number below a.
-    const bool turned = ordering == Greater || ordering == GreaterOrEqual;
-    const bool strict = ordering == Greater || ordering == Less;
-    const double bound = turned ? -literal : literal;
-    m_bound.m_numbers.push_back({.bound = !slot    ? kNaN
-                                          : strict ? std::nextafter(bound, -kInfinity)
-                                                   : bound,
-                                 .signFlip = turned ? kSignBit : 0,
-                                 .member = comparison.member == ComparisonMember::Value
-                                               ? &AgentProperty::Parts::value
-                                               : &AgentProperty::Parts::unitValue,
-                                 .slot = slot.value_or(0)});
+    step(kindOf(comparison.member, Connective::And), first, tests.size(), exits);
 }
 
 void Binder::text(const Comparison& comparison, Exits exits) {
-    m_bound.m_texts.push_back({.literal = std::get<std::string>(comparison.literal),
-                               .slot = m_table.slot(comparison.key).value_or(BoundCondition::kNoSlot),
-                               .wanted = wantedRelations(comparison.op)});
-    step(BoundCondition::StepKind::Text, m_bound.m_texts.size() - 1, 1, exits.whenTrue, exits.whenFalse,
-         exits.next);
+    auto& tests = m_program.texts;
+    tests.push_back({.literal = std::get<std::string>(comparison.literal),
+                     .slot = m_table.slot(comparison.key).value_or(TextTest::kNoSlot),
+                     .wanted = wantedRelations(comparison.op)});
+    step(StepKind::Text, tests.size() - 1, tests.size(), exits);
 }
 
-void Binder::step(BoundCondition::StepKind kind, std::size_t first, std::size_t count, Label yes, Label no,
-                  Label next) {
-    const bool jumpWhen = yes != next;
-    m_bound.m_steps.push_back({.kind = kind,
+void Binder::step(StepKind kind, std::size_t first, std::size_t end, Exits exits) {
+    const bool jumpWhen = exits.whenTrue != exits.next;
+    m_program.steps.push_back({.kind = kind,
                                .jumpWhen = jumpWhen,
+                               .target = jumpWhen ? exits.whenTrue : exits.whenFalse,
                                .first = static_cast<std::uint32_t>(first),
-                               .count = static_cast<std::uint32_t>(count),
-                               .target = jumpWhen ? yes : no});
+                               .end = static_cast<std::uint32_t>(end)});
 }
 
 Binder::Label Binder::newLabel() {
@@ -134,7 +165,13 @@ Binder::Label Binder::newLabel() {
 }
 
 void Binder::place(Label label) {
-    m_places[label] = static_cast<std::uint32_t>(m_bound.m_steps.size());
+    m_places[label] = static_cast<std::uint32_t>(m_program.steps.size());
+}
+
+}  // namespace
+
+Program boundProgram(const ConditionNode& tree, const KeyTable& table) {
+    return Binder(table).bind(tree);
 }
 
 }  // namespace vigil
