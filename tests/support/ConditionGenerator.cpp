@@ -30,11 +30,12 @@ std::string spelled(const std::string& text) {
 }  // namespace
 
 void GeneratedReadings::addNumber(const std::string& key, double value, double unitValue,
-                                  const std::string& text) {
+                                  const std::optional<std::string>& text) {
     auto label = std::make_shared<AgentPropertyLabel>();
     label->propertyName = label->name = key;
-    readings.setObject(AgentProperty(std::move(label), {.value = value, .unitValue = unitValue}));
-    naive[key] = {value, unitValue, text};
+    readings.setObject(
+        AgentProperty(std::move(label), {.value = value, .unitValue = unitValue, .stringValue = text}));
+    naive[key] = {value, unitValue, text ? *text : numberText(value)};
 }
 
 void GeneratedReadings::addText(const std::string& key, const std::string& text) {
@@ -106,14 +107,14 @@ GeneratedReadings ConditionGenerator::readings() {
             }
             case 3: {
                 const double odd = kOdd[below(3)];
-                made.addNumber(kKeys[i], odd, odd, numberText(odd));
+                made.addNumber(kKeys[i], odd, odd);
                 break;
             }
             default: {
                 const double value = kValues[below(8)];
                 const double towards = below(2) == 0 ? 1e308 : -1e308;
                 made.addNumber(kKeys[i], value, below(2) == 0 ? value : std::nextafter(value, towards),
-                               numberText(value));
+                               below(4) == 0 ? std::optional<std::string>(kTexts[below(10)]) : std::nullopt);
             }
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <random>
 #include <string>
 
@@ -14,7 +15,9 @@ struct GeneratedReadings {
     EvaluationDictionary readings;
     NaiveReadings naive;
 
-    void addNumber(const std::string& key, double value, double unitValue, const std::string& text);
+    /// Without a text of its own the reading's text is its raw value, printed.
+    void addNumber(const std::string& key, double value, double unitValue,
+                   const std::optional<std::string>& text = std::nullopt);
     void addText(const std::string& key, const std::string& text);
     void addDate(const std::string& key, double seconds, const std::string& text);
 };
