@@ -1,4 +1,4 @@
-#include "Ratios.hpp"
+#include "benchmarks/Ratios.hpp"
 
 #include <latch>
 #include <thread>

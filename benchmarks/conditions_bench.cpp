@@ -13,8 +13,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "ConditionWorkload.hpp"
-#include "Ratios.hpp"
+#include "benchmarks/ConditionWorkload.hpp"
+#include "benchmarks/Ratios.hpp"
 #include "conditions/BoundCondition.hpp"
 #include "conditions/ConditionPredicate.hpp"
 #include "platform/Number.hpp"
