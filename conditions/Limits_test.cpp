@@ -58,7 +58,7 @@ TEST(ConditionLimits, DoNotCountParenthesesSideBySide) {
     EXPECT_TRUE(read(repeated("(a.unitValue < 1) AND ", 1000) + "(b.unitValue < 1)"));
 }
 
-// AND inside OR prints in parentheses which the text lacks: 129 such groups need 257 levels.
+// AND inside OR prints in parentheses which the text lacks: 129 such groups need 258 levels.
 TEST(ConditionLimits, RefuseWhatWouldPrintTooDeep) {
     const auto mixed = [](std::size_t depth) {
         return repeated("a.unitValue < 1 OR b.unitValue < 1 AND (", depth) +

@@ -17,6 +17,13 @@ SyntaxError tooDeep(std::size_t offset, std::size_t length) {
             SyntaxProblem::TooDeep};
 }
 
+SyntaxError printsTooDeep(std::size_t offset, std::size_t length) {
+    return {offset, length, "one with more",
+            "a condition whose printed form has at most " + std::to_string(kMaxParenthesisDepth) +
+                " levels of parentheses",
+            SyntaxProblem::TooDeep};
+}
+
 // What stands between two parentheses, or in the whole text, as far as it has been read.
 struct OpenGroup {
     std::size_t offset;
@@ -171,7 +178,7 @@ std::optional<ConditionNode> Parser::join(Connective connective, std::vector<Con
     if (parts.size() > 1)
         for (const ConditionNode& part : parts)
             if (part.depth() > kMaxParenthesisDepth) {
-                m_error = tooDeep(offset, m_token.offset - offset);
+                m_error = printsTooDeep(offset, m_token.offset - offset);
                 return std::nullopt;
             }
     return ConditionNode::compound(connective, std::move(parts));
