@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Collation.hpp"
 #include "platform/Date.hpp"
 #include "platform/Export.hpp"
 #include "platform/Files.hpp"
@@ -30,6 +31,7 @@ class VIGIL_KIT World {
     virtual MainQueue& mainQueue() = 0;
     virtual NotificationCenter& notificationCenter() = 0;
     virtual Files& files() = 0;
+    virtual const Collation& collation() = 0;
     /// The loop of the calling thread.
     virtual RunLoop& currentRunLoop() = 0;
     /// Main thread.

@@ -4,6 +4,7 @@
 
 #include "host/services/Mailbox.hpp"
 #include "host/services/MainRunLoop.hpp"
+#include "host/services/SystemCollation.hpp"
 #include "host/services/SystemFiles.hpp"
 #include "host_contract/HostWorld.hpp"
 
@@ -25,6 +26,7 @@ class LiveWorld : public HostWorld {
     Mailbox& mainQueue() override { return m_mailbox; }
     NotificationCenter& notificationCenter() override { return m_center; }
     Files& files() override { return m_files; }
+    const Collation& collation() override { return m_collation; }
     RunLoop& currentRunLoop() override;
     InterfaceFiles& interfaceFiles() override { return m_interfaceFiles; }
     QRVLog& log() override { return m_log; }
@@ -38,6 +40,7 @@ class LiveWorld : public HostWorld {
     Mailbox m_mailbox;
     NotificationCenter m_center{m_mailbox};
     SystemFiles m_files;
+    SystemCollation m_collation;
     MainRunLoop m_mainLoop;
     SleepingRunLoop m_sleepingLoop;
     PlugInHost m_plugInHost;

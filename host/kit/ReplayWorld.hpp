@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "host/services/SystemCollation.hpp"
 #include "host/services/SystemFiles.hpp"
 #include "host_contract/HostWorld.hpp"
 
@@ -28,6 +29,7 @@ class ReplayWorld : public HostWorld {
     MainQueue& mainQueue() override { return m_queue; }
     NotificationCenter& notificationCenter() override { return m_center; }
     Files& files() override { return m_files; }
+    const Collation& collation() override { return m_collation; }
     RunLoop& currentRunLoop() override { return m_runLoop; }
     InterfaceFiles& interfaceFiles() override { return m_interfaceFiles; }
     QRVLog& log() override { return m_log; }
@@ -65,6 +67,7 @@ class ReplayWorld : public HostWorld {
     Queue m_queue;
     NotificationCenter m_center{m_queue};
     SystemFiles m_files;
+    SystemCollation m_collation;
     Loop m_runLoop{*this};
     PlugInHost m_plugInHost;
 };

@@ -11,6 +11,7 @@
 #include "host_contract/HostWorld.hpp"
 #include "tests/support/FakeMainQueue.hpp"
 #include "tests/support/MemoryFiles.hpp"
+#include "tests/support/PlainCollation.hpp"
 #include "tests/support/RecordingLog.hpp"
 
 namespace vigil {
@@ -83,6 +84,7 @@ class FakeWorld : public HostWorld {
     FakeMainQueue& mainQueue() override { return m_queue; }
     NotificationCenter& notificationCenter() override { return m_center; }
     MemoryFiles& files() override { return m_files; }
+    const PlainCollation& collation() override { return m_collation; }
     FakeRunLoop& currentRunLoop() override { return m_runLoop; }
     FakeInterfaceFiles& interfaceFiles() override { return m_interfaceFiles; }
     RecordingLog& log() override { return m_log; }
@@ -107,6 +109,7 @@ class FakeWorld : public HostWorld {
     FakeMainQueue m_queue;
     NotificationCenter m_center{m_queue};
     MemoryFiles m_files;
+    PlainCollation m_collation;
     FakeRunLoop m_runLoop{*this};
     FakeInterfaceFiles m_interfaceFiles;
     RecordingLog m_log;

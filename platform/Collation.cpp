@@ -1,0 +1,7 @@
+#include "platform/Collation.hpp"
+
+namespace vigil {
+
+Collation::~Collation() = default;
+
+}  // namespace vigil
