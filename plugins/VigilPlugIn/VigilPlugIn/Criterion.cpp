@@ -9,12 +9,6 @@ Criterion::~Criterion() {
     if (const auto list = children()) list->clear();
 }
 
-std::shared_ptr<Criterion> Criterion::criterionWithAgent(const Agent& agent,
-                                                         const std::optional<std::string>& name,
-                                                         const CriterionList& children) {
-    return build<Criterion>(agent, name, children);
-}
-
 void Criterion::addChild(std::shared_ptr<Criterion> child) {
     if (!children()) setChildren(std::make_shared<CriterionList>());
     children()->push_back(std::move(child));

@@ -32,11 +32,14 @@ class Criterion : public Object {
     Criterion& operator=(const Criterion&) = delete;
     ~Criterion() override;
 
-    /// A new node of this class; an absent or empty list leaves its children absent, another is copied into a
+    /// A new node of class T; an absent or empty list leaves its children absent, another is copied into a
     /// list of its own. (Keyword form: criterionWithAgent:name:children:)
-    static std::shared_ptr<Criterion> criterionWithAgent(
-        const Agent& agent, const std::optional<std::string>& name = std::nullopt,
-        const CriterionList& children = {});
+    template <class T = Criterion>
+    static std::shared_ptr<T> criterionWithAgent(const Agent& agent,
+                                                 const std::optional<std::string>& name = std::nullopt,
+                                                 const CriterionList& children = {}) {
+        return build<T>(agent, name, children);
+    }
     void initWithAgent(const Agent& agent) { setAgent(agent); }
 
     /// The label in the editor, and the node's identity. Absent for separators, text fields and pop-ups.
@@ -72,7 +75,8 @@ class Criterion : public Object {
     void encodeWithCoder(KeyedEncoder& coder) const override;
 
   protected:
-    /// Makes a T as `criterionWithAgent` does; every class's own factory passes itself.
+    /// Makes a T as `criterionWithAgent` does; every class's factory passes itself or the class that it is
+    /// given.
     template <class T>
     static std::shared_ptr<T> build(const Agent& agent, const std::optional<std::string>& name,
                                     const CriterionList& children) {

@@ -24,22 +24,12 @@ bool contains(const std::string& text, const char* part) {
 
 }  // namespace
 
-std::shared_ptr<SeparatorCriterion> SeparatorCriterion::criterionWithAgent(
-    const Agent& agent, const std::optional<std::string>& name, const CriterionList& children) {
-    return build<SeparatorCriterion>(agent, name, children);
-}
-
 std::string SeparatorCriterion::className() const {
     return "SeparatorCriterion";
 }
 
 DisplayValue SeparatorCriterion::displayValue() {
     return MenuItem::separatorItem();
-}
-
-std::shared_ptr<TextFieldCriterion> TextFieldCriterion::criterionWithAgent(
-    const Agent& agent, const std::optional<std::string>& name, const CriterionList& children) {
-    return build<TextFieldCriterion>(agent, name, children);
 }
 
 std::string TextFieldCriterion::className() const {
@@ -49,12 +39,6 @@ std::string TextFieldCriterion::className() const {
 DisplayValue TextFieldCriterion::displayValue() {
     if (auto field = firstOf<TextField>(world(), className(), "TextField", nullptr)) return field;
     return {};
-}
-
-std::shared_ptr<PopUpCriterion> PopUpCriterion::criterionWithAgent(const Agent& agent,
-                                                                   const std::optional<std::string>& name,
-                                                                   const CriterionList& children) {
-    return build<PopUpCriterion>(agent, name, children);
 }
 
 std::string PopUpCriterion::className() const {

@@ -10,9 +10,12 @@ namespace vigil {
 /// A line between groups of a menu.
 class SeparatorCriterion : public Criterion {
   public:
-    static std::shared_ptr<SeparatorCriterion> criterionWithAgent(
-        const Agent& agent, const std::optional<std::string>& name = std::nullopt,
-        const CriterionList& children = {});
+    template <class T = SeparatorCriterion>
+    static std::shared_ptr<T> criterionWithAgent(const Agent& agent,
+                                                 const std::optional<std::string>& name = std::nullopt,
+                                                 const CriterionList& children = {}) {
+        return build<T>(agent, name, children);
+    }
     std::string className() const override;
     DisplayValue displayValue() override;
 };
@@ -21,9 +24,12 @@ class SeparatorCriterion : public Criterion {
 /// none.
 class TextFieldCriterion : public Criterion {
   public:
-    static std::shared_ptr<TextFieldCriterion> criterionWithAgent(
-        const Agent& agent, const std::optional<std::string>& name = std::nullopt,
-        const CriterionList& children = {});
+    template <class T = TextFieldCriterion>
+    static std::shared_ptr<T> criterionWithAgent(const Agent& agent,
+                                                 const std::optional<std::string>& name = std::nullopt,
+                                                 const CriterionList& children = {}) {
+        return build<T>(agent, name, children);
+    }
     std::string className() const override;
     DisplayValue displayValue() override;
 };
@@ -31,9 +37,12 @@ class TextFieldCriterion : public Criterion {
 /// A pop-up button, as the interface file "PopUpButton" describes it, with the module's sounds added.
 class PopUpCriterion : public Criterion, public InterfaceOwner {
   public:
-    static std::shared_ptr<PopUpCriterion> criterionWithAgent(
-        const Agent& agent, const std::optional<std::string>& name = std::nullopt,
-        const CriterionList& children = {});
+    template <class T = PopUpCriterion>
+    static std::shared_ptr<T> criterionWithAgent(const Agent& agent,
+                                                 const std::optional<std::string>& name = std::nullopt,
+                                                 const CriterionList& children = {}) {
+        return build<T>(agent, name, children);
+    }
     std::string className() const override;
     /// Every entry of the resource folder whose name contains ".wav" or ".mp3" becomes an item, in the
     /// folder's own order, behind the items that the interface file gives. The test is for a part of the

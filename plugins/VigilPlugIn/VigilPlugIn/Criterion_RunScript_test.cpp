@@ -60,6 +60,30 @@ TEST_F(RunScript, AMissingFileAnEmptyLineAndAValueOfAnotherKindRunNothing) {
     EXPECT_TRUE(m_world.log().lines().empty()) << "nothing is logged either";
 }
 
+TEST_F(RunScript, AFileThatIsNotUtf8OrAFolderRunsNothing) {
+    m_world.files().setFile("/scripts/latin", "\xE9t\xE9");
+    m_world.files().setFolder("/scripts/roof", {"gust.sh"});
+    type("latin a");
+    type("roof");
+    EXPECT_THAT(m_agent->scripts, IsEmpty());
+}
+
+TEST_F(RunScript, ThePathIsTheFolderASlashAndTheFirstWordAsTyped) {
+    m_world.setScriptsFolder("/srv/scripts");
+    type("../other.sh a");
+    type("");
+    type(" lead");
+    EXPECT_THAT(m_world.files().pathsRead(),
+                ElementsAre("/srv/scripts/../other.sh", "/srv/scripts/", "/srv/scripts/"));
+}
+
+TEST_F(RunScript, WithoutAnAgentNothingRuns) {
+    m_world.files().setFile("/scripts/s", "x");
+    const World::Scope scope(m_world);
+    RunScriptCriterion::criterionWithAgent(nullptr)->performActionWithDisplayValues({"Run script", "s"});
+    EXPECT_THAT(m_world.files().pathsRead(), ElementsAre("/scripts/s"));
+}
+
 TEST_F(RunScript, AnEmptyFileIsHandedOver) {
     m_world.files().setFile("/scripts/empty", "");
     type("empty");

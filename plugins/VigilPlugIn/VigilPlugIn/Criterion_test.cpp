@@ -45,6 +45,7 @@ TEST_F(CriterionTree, ChildrenAreListedInOrderInAListOfTheNodesOwn) {
     const auto node = Criterion::criterionWithAgent(m_agent, "root", given);
     EXPECT_EQ(*node->children(), given);
     EXPECT_NE(node->children().get(), &given);
+    EXPECT_EQ(node->numberOfChildren(), 3);
     EXPECT_EQ(node->childAtIndex(1), given[1]);
 }
 
@@ -120,25 +121,42 @@ TEST_F(CriterionTree, AFolderThatCannotBeListedGivesAPopUpWithoutSounds) {
 
 struct Catalogue {
     std::shared_ptr<Criterion> root;
+    std::string className;
     std::string name;
     std::vector<std::string> children;  // class and name
 };
 
 TEST_F(CriterionTree, EveryActionBuildsItsSubtreeUnderItsExactName) {
     const std::vector<Catalogue> catalogue = {
-        {SendEmailCriterion::criterionWithAgent(m_agent), "Send an email to", {"TextFieldCriterion (null)"}},
+        {SendEmailCriterion::criterionWithAgent(m_agent),
+         "SendEmailCriterion",
+         "Send an email to",
+         {"TextFieldCriterion (null)"}},
         {SendSMSCriterion::criterionWithAgent(m_agent),
+         "SendSMSCriterion",
          "Send an SMS message to",
          {"TextFieldCriterion (null)"}},
-        {RunScriptCriterion::criterionWithAgent(m_agent), "Run script", {"TextFieldCriterion (null)"}},
-        {PlaySoundCriterion::criterionWithAgent(m_agent), "Play Sound", {"PopUpCriterion (null)"}},
-        {SpeakTextCriterion::criterionWithAgent(m_agent), "Speak Text", {"TextFieldCriterion (null)"}},
+        {RunScriptCriterion::criterionWithAgent(m_agent),
+         "RunScriptCriterion",
+         "Run script",
+         {"TextFieldCriterion (null)"}},
+        {PlaySoundCriterion::criterionWithAgent(m_agent),
+         "PlaySoundCriterion",
+         "Play Sound",
+         {"PopUpCriterion (null)"}},
+        {SpeakTextCriterion::criterionWithAgent(m_agent),
+         "SpeakTextCriterion",
+         "Speak Text",
+         {"TextFieldCriterion (null)"}},
         {SayCurrentConditionsCriterion::criterionWithAgent(m_agent),
+         "SayCurrentConditionsCriterion",
          "Speak Conditions",
          {"Criterion Yes", "Criterion No"}},
     };
     for (const Catalogue& entry : catalogue) {
+        EXPECT_EQ(entry.root->className(), entry.className);
         EXPECT_EQ(entry.root->name(), entry.name);
+        EXPECT_EQ(entry.root->displayValue(), DisplayValue{entry.name});
         EXPECT_EQ(entry.root->agent(), m_agent);
         std::vector<std::string> children;
         for (const auto& child : *entry.root->children()) {
@@ -150,16 +168,24 @@ TEST_F(CriterionTree, EveryActionBuildsItsSubtreeUnderItsExactName) {
     }
 }
 
-class DerivedScript : public RunScriptCriterion {
+class LouderSpeech : public SpeakTextCriterion {
   public:
-    static std::shared_ptr<DerivedScript> criterionWithAgent(const Agent& agent) {
-        return build<DerivedScript>(agent, "Derived", {});
-    }
-    std::string className() const override { return "DerivedScript"; }
+    std::string className() const override { return "LouderSpeech"; }
 };
 
-TEST_F(CriterionTree, ASubclassThatPassesItselfBuildsItself) {
-    EXPECT_EQ(DerivedScript::criterionWithAgent(m_agent)->className(), "DerivedScript");
+class ThinSeparator : public SeparatorCriterion {
+  public:
+    std::string className() const override { return "ThinSeparator"; }
+};
+
+TEST_F(CriterionTree, ASubclassThatAddsNothingButItsNameBuildsItself) {
+    const std::shared_ptr<LouderSpeech> action = LouderSpeech::criterionWithAgent<LouderSpeech>(m_agent);
+    EXPECT_EQ(action->className(), "LouderSpeech");
+    EXPECT_EQ(action->name(), "Speak Text");
+    EXPECT_EQ(action->childAtIndex(0)->className(), "TextFieldCriterion");
+    const auto separator = ThinSeparator::criterionWithAgent<ThinSeparator>(m_agent);
+    EXPECT_EQ(separator->className(), "ThinSeparator");
+    EXPECT_TRUE(std::get<std::shared_ptr<MenuItem>>(separator->displayValue())->isSeparatorItem());
 }
 
 }  // namespace

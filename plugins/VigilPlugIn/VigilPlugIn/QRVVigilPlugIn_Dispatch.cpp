@@ -1,6 +1,12 @@
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
 namespace vigil {
+namespace {
+
+/// Stands for an absent list: whatever an action asks of it is nothing.
+const DisplayValueList kNoDisplayValues(2);
+
+}  // namespace
 
 void QRVVigilPlugIn::performActions() {
     // Lists and lengths are read anew for every row: an action that waits lets the editor replace them
@@ -10,7 +16,7 @@ void QRVVigilPlugIn::performActions() {
         if (!paths || row >= paths->size()) return;
         const auto values = ruleEditorStoredDisplayValues();
         const std::shared_ptr<Criterion> head = paths->at(row).at(0);
-        const DisplayValueList shown = values ? values->at(row) : DisplayValueList{};
+        const DisplayValueList shown = values ? values->at(row) : kNoDisplayValues;
         if (head) head->performActionWithDisplayValues(shown);
     }
 }
