@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "host/command/AbsentReadings.hpp"
 #include "host/command/Commands.hpp"
 #include "host/command/ConditionAnswer.hpp"
 #include "host/command/EvalBatch.hpp"
@@ -35,6 +36,7 @@ std::string verdictLine(const RecordedNotification& notification, bool holds, bo
 /// Judges every notification. The status is Yes when the condition held for one of them.
 void judgeAll(RecordedSource& source, const ConditionPredicate& condition, const EvalOptions& options,
               FeedReport& report, CommandContext& context) {
+    AbsentReadings absent(condition.tree());
     std::size_t judged = 0;
     std::size_t held = 0;
     // At a terminal and behind a pipe that delivers now and then, each verdict shows at once.
@@ -47,6 +49,7 @@ void judgeAll(RecordedSource& source, const ConditionPredicate& condition, const
             return;
         }
         if (!next.value()) break;
+        absent.note(*next.value()->readings);
         const bool holds = condition.evaluateWithObject(next.value()->readings->view());
         context.output.write(verdictLine(*next.value(), holds, options.json));
         if (prompt) context.output.flush();
@@ -54,6 +57,7 @@ void judgeAll(RecordedSource& source, const ConditionPredicate& condition, const
         held += holds ? 1 : 0;
     }
     report.finish();
+    absent.tell(context.output);
     if (judged == 0 && report.problems() > 0)
         context.status = ExitStatus::BadInput;
     else if (held == 0)

@@ -3,7 +3,8 @@
 namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
-    static const std::vector<AddCommand> commands = {addCheckCommand, addEvalCommand};
+    static const std::vector<AddCommand> commands = {addDemoCommand, addReplayCommand, addCheckCommand,
+                                                     addEvalCommand};
     return commands;
 }
 

@@ -23,7 +23,9 @@ namespace vigil {
 using AddCommand = void (*)(CLI::App& app, CommandContext& context);
 
 void addCheckCommand(CLI::App& app, CommandContext& context);
+void addDemoCommand(CLI::App& app, CommandContext& context);
 void addEvalCommand(CLI::App& app, CommandContext& context);
+void addReplayCommand(CLI::App& app, CommandContext& context);
 
 /// Every sub-command, in the order in which `--help` lists them.
 const std::vector<AddCommand>& allCommands();

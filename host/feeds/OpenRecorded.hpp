@@ -60,8 +60,9 @@ struct SimulatedOptions {
 };
 
 /// A believable day, the same for the same seed and options on every machine. A shower with cold gusts
-/// passes soon after the start and again every few hours, so that the wind chill crosses 10 °C both ways
-/// within the first ten notifications of five minutes.
+/// passes soon after the start and again every few hours, so that the wind chill crosses 10 °C and the wind
+/// 25 km/h, both of them both ways, within the first ten notifications of five minutes. Wind speeds are m/s
+/// inside and km/h for people; all else is shown as it is held.
 std::unique_ptr<RecordedSource> simulatedSource(std::uint64_t seed, SimulatedOptions options = {});
 
 }  // namespace vigil

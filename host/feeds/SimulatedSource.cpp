@@ -11,9 +11,16 @@
 namespace vigil {
 namespace {
 
-// A station's sensors show a tenth of a degree.
+// A station's sensors show a tenth of a degree and of a km/h.
 double tenth(double value) {
     return std::round(value * 10) / 10;
+}
+
+// People read the wind in km/h; the raw value stays in m/s.
+constexpr double kKilometresAnHour = 3.6;
+
+bool isWindSpeed(std::string_view key) {
+    return key == "windSpeed" || key == "windGust";
 }
 
 class SimulatedSource final : public RecordedSource {
@@ -27,8 +34,9 @@ class SimulatedSource final : public RecordedSource {
               "windDir",        "windDirText", "barometer",   "rainRate",        "rainDaily",
               "solarRadiation", "uvIndex",     "sunrise",     "sunset",          "batteryOutdoor"}) {
             const KnownReading* known = knownReading(key);
-            m_labels.push_back(std::make_shared<const AgentPropertyLabel>(AgentPropertyLabel{
-                std::string(key), std::string(known->name), std::string(known->metric), known->kind}));
+            m_labels.push_back(std::make_shared<const AgentPropertyLabel>(
+                AgentPropertyLabel{std::string(key), std::string(known->name),
+                                   std::string(isWindSpeed(key) ? "km/h" : known->metric), known->kind}));
             keys.emplace_back(key);
         }
         m_table = KeyTable::make(std::move(keys));
@@ -56,6 +64,11 @@ class SimulatedSource final : public RecordedSource {
             entries.emplace_back(m_labels[entries.size()],
                                  AgentProperty::Parts{.value = value, .unitValue = value, .time = time});
         };
+        const auto speed = [&](double value) {
+            const double shown = tenth(value * kKilometresAnHour);
+            entries.emplace_back(m_labels[entries.size()],
+                                 AgentProperty::Parts{.value = value, .unitValue = shown, .time = time});
+        };
         text(m_options.station);
         number(time.secondsSinceReference());
         number(now.temperature);
@@ -64,8 +77,8 @@ class SimulatedSource final : public RecordedSource {
         number(tenth(chill));
         number(tenth(heatIndex(now.temperature, now.humidity)));
         number(tenth(felt));
-        number(now.windSpeed);
-        number(now.windGust);
+        speed(now.windSpeed);
+        speed(now.windGust);
         number(now.windDir);
         text(compassText(now.windDir));
         number(now.barometer);

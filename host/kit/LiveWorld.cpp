@@ -28,18 +28,19 @@ std::string defaultScriptsFolder() {
     return homeFolder() + "/.config/vigil/scripts";
 }
 
-LiveWorld::LiveWorld(QRVLog& log, InterfaceFiles& interfaceFiles, std::string scriptsFolder)
+LiveWorld::LiveWorld(QRVLog& log, InterfaceFiles& interfaceFiles, std::string scriptsFolder, Clock clock)
     : m_log(log),
       m_interfaceFiles(interfaceFiles),
       m_scriptsFolder(std::move(scriptsFolder)),
+      m_clock(clock ? std::move(clock) : systemNow),
       m_mailbox([this](const std::exception_ptr& what) {
           m_log.logLevel(kLogProblem, "a task of the main queue failed: " + exceptionText(what));
       }),
-      m_mainLoop(m_mailbox, systemNow),
-      m_sleepingLoop(systemNow) {}
+      m_mainLoop(m_mailbox, m_clock),
+      m_sleepingLoop(m_clock) {}
 
 Date LiveWorld::now() {
-    return systemNow();
+    return m_clock();
 }
 
 LocalTime LiveWorld::localTime(Date date) {

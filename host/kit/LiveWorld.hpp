@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "host/services/Mailbox.hpp"
@@ -18,8 +19,11 @@ std::string defaultScriptsFolder();
 /// main thread and serves its mailbox.
 class LiveWorld : public HostWorld {
   public:
-    /// Log and interface files are the caller's and outlive the world.
-    LiveWorld(QRVLog& log, InterfaceFiles& interfaceFiles, std::string scriptsFolder);
+    using Clock = std::function<Date()>;
+
+    /// Log and interface files are the caller's and outlive the world. Without a clock of its own, which any
+    /// thread may ask, it lives by the machine's.
+    LiveWorld(QRVLog& log, InterfaceFiles& interfaceFiles, std::string scriptsFolder, Clock clock = {});
 
     Date now() override;
     LocalTime localTime(Date date) override;
@@ -37,6 +41,7 @@ class LiveWorld : public HostWorld {
     QRVLog& m_log;
     InterfaceFiles& m_interfaceFiles;
     const std::string m_scriptsFolder;
+    const Clock m_clock;
     Mailbox m_mailbox;
     NotificationCenter m_center{m_mailbox};
     SystemFiles m_files;

@@ -1,0 +1,143 @@
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "host/command/AbsentReadings.hpp"
+#include "host/command/Commands.hpp"
+#include "host/command/ConditionAnswer.hpp"
+#include "host/command/FeedOptions.hpp"
+#include "host/command/MonitorModule.hpp"
+#include "host/command/Replay.hpp"
+#include "host/command/ReplayLines.hpp"
+#include "host/kit/InterfaceFile.hpp"
+#include "host/kit/StandardLog.hpp"
+
+namespace vigil {
+namespace {
+
+/// Writes the monitor's log to the error stream, with the time of the records.
+class ReplayLog final : public QRVLog {
+  public:
+    ReplayLog(Output& output, int highestLevel, const Date& now)
+        : m_output(output), m_highest(highestLevel), m_now(now) {}
+
+    bool takesLevel(int level) const override { return level <= m_highest; }
+    void logLevel(int level, std::string_view message) override {
+        m_output.errorText(fmt::format("{} {} {}\n", m_now.isoText(), level, message));
+    }
+
+  private:
+    Output& m_output;
+    const int m_highest;
+    const Date& m_now;
+};
+
+struct ReplayOptions {
+    FeedOptions feed;
+    std::string condition;
+    double retrigger = 1;
+    bool onChange = false;
+    bool trace = false;
+    bool json = false;
+    bool log = false;
+};
+
+MonitorDraft draftOf(const ConditionPredicate& condition, const ReplayOptions& options) {
+    MonitorDraft draft;
+    draft.condition = condition.printed();
+    draft.retriggerMinutes = options.retrigger;
+    draft.onlyOnChange = options.onChange;
+    return draft;
+}
+
+void fail(CommandContext& context, const std::string& text) {
+    context.output.error(text);
+    context.status = ExitStatus::Environment;
+}
+
+/// Replays until the source ends. False when something stood in the way, which has then been told.
+bool replayAll(RecordedSource& source, Replay& replay, const Replay::Told& told, AbsentReadings& absent,
+               Date& now, CommandContext& context) {
+    for (;;) {
+        const auto next = source.next();
+        if (!next) return fail(context, next.error().message), false;
+        if (!next.value()) return true;
+        absent.note(*next.value()->readings);
+        now = next.value()->time;
+        if (const auto done = replay.run(*next.value(), told); !done)
+            return fail(context, done.error().message), false;
+    }
+}
+
+void replay(const ReplayOptions& options, CommandContext& context) {
+    const auto condition = conditionFromUser(options.condition, context);
+    if (!condition) return;
+    if (const auto loaded = loadMonitorModule(context.programFolder); !loaded)
+        return fail(context, loaded.error().message);
+    FeedReport report(options.feed.path, context.output);
+    const auto source = openFeed(options.feed, report, context);
+    if (!source) return;
+
+    InterfaceFile interfaceFiles;
+    Date now = Date::distantPast();
+    ReplayLog log(context.output, options.log ? kLogDetail : kLogProblem, now);
+    Replay run(draftOf(*condition, options), log, interfaceFiles, options.trace);
+    const bool prompt = options.feed.path == "-" || context.output.isTerminal();
+    AbsentReadings absent(condition->tree());
+    ReplayCounts counts;
+    const auto told = [&](const ReplayedCycle& cycle) {
+        counts.add(cycle);
+        if (!options.trace && cycle.outcome != CycleOutcome::Fired) return;
+        context.output.write(options.json ? replayJson(cycle, options.trace)
+                                          : replayLine(cycle, options.trace));
+        if (prompt) context.output.flush();
+    };
+    const bool whole = replayAll(*source, run, told, absent, now, context);
+    report.finish();
+    absent.tell(context.output);
+    if (!options.json) context.output.write(counts.sentence());
+    if (!whole) return;
+    if (counts.notifications == 0 && report.problems() > 0)
+        context.status = ExitStatus::BadInput;
+    else if (counts.fired == 0)
+        context.status = ExitStatus::No;
+}
+
+}  // namespace
+
+void addReplayCommand(CLI::App& app, CommandContext& context) {
+    auto options = std::make_shared<ReplayOptions>();
+    auto* command = app.add_subcommand("replay", "When would a monitor have fired on recorded readings?");
+    command->add_option("FILE", options->feed.path, "JSON lines or CSV with a header; - for standard input")
+        ->required();
+    command->add_option("--condition", options->condition, "The monitor's condition, as one argument")
+        ->type_name("CONDITION")
+        ->required();
+    command
+        ->add_option("--retrigger", options->retrigger, "Minutes to wait after a fire, fractions allowed (1)")
+        ->type_name("MINUTES")
+        ->check([](const std::string& text) {
+            const bool usable =
+                !text.empty() && text.front() != '-' && text.find_first_of("nN") == std::string::npos;
+            return usable ? std::string() : "--retrigger: expected a number of minutes, 0 or more";
+        });
+    command->add_flag("--on-change", options->onChange,
+                      "Judge only readings that are newer and have changed");
+    command->add_flag("--trace", options->trace, "Tell of every notification, not only of those that fired");
+    command->add_flag("--json", options->json,
+                      "One JSON object a line; docs/formats/replay.md tells its form");
+    command->add_flag("--log", options->log, "Write the monitor's log to the error stream");
+    addFeedOptions(*command, options->feed);
+    command->footer(
+        "Runs the monitor's own module on a clock that the records turn; no action is run.\n"
+        "The status is 0 when it would have fired at least once, 1 when never, 2 when nothing could be "
+        "read.\n"
+        "Examples:\n"
+        "  vigil replay station.csv --condition 'windSpeed.unitValue > 25'\n"
+        "  vigil replay station.csv --condition 'outsideTemp.unitValue < 0' --retrigger 60 --trace --json");
+    command->callback([options, &context] { replay(*options, context); });
+}
+
+}  // namespace vigil
