@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 namespace vigil {
 
@@ -30,6 +31,24 @@ std::int64_t Number::integerValue() const {
     return static_cast<std::int64_t>(value);
 }
 
+namespace {
+
+/// `text` is a whole number in scientific notation, "-4.5e+16": the same digits, and zeros up to the point.
+void appendUnrolled(std::string& to, std::string_view text) {
+    const std::size_t e = text.find('e');
+    int places = 0;
+    std::from_chars(text.data() + e + 2, text.data() + text.size(), places);
+    int digits = -1;  // before the point stands one
+    for (const char c : text.substr(0, e)) {
+        if (c == '.') continue;
+        to += c;
+        if (c != '-') ++digits;
+    }
+    to.append(static_cast<std::size_t>(places - digits), '0');
+}
+
+}  // namespace
+
 void appendNumber(std::string& to, double value) {
     if (std::isnan(value)) {
         to += "NaN";
@@ -40,11 +59,18 @@ void appendNumber(std::string& to, double value) {
         return;
     }
     const double size = std::abs(value);
-    const bool plain = size == 0 || (size >= 1e-5 && size < 1e17);
+    // From here on not every integer is a double, and plain notation would show more digits than it takes.
+    constexpr double kAllIntegers = 0x1p53;
+    const bool unrolls = size >= kAllIntegers && size < 1e17;
+    const bool plain = size == 0 || (size >= 1e-5 && size < kAllIntegers);
     char text[64];
     const auto end = std::to_chars(text, text + sizeof text, value,
                                    plain ? std::chars_format::fixed : std::chars_format::scientific);
-    to.append(text, end.ptr);
+    const std::string_view written(text, static_cast<std::size_t>(end.ptr - text));
+    if (unrolls)
+        appendUnrolled(to, written);
+    else
+        to += written;
 }
 
 std::string numberText(double value) {

@@ -27,7 +27,12 @@ TEST(NumberText, HasTheFewestDigitsInPlainOrExponentNotation) {
         {1e-5, "0.00001"},
         {9.9e-6, "9.9e-06"},
         {1e16, "10000000000000000"},
-        {99999999999999984.0, "99999999999999984"},
+        {9007199254740993.0, "9007199254740992"},
+        {45031599627370496.0, "45031599627370500"},
+        {-45031599627370496.0, "-45031599627370500"},
+        {12345678901234568.0, "12345678901234568"},
+        {90071992547409920.0, "90071992547409920"},
+        {99999999999999984.0, "99999999999999980"},
         {1e17, "1e+17"},
         {1e300, "1e+300"},
         {5e-324, "5e-324"},
@@ -51,6 +56,19 @@ TEST(NumberText, ReadsBackAsTheSameDouble) {
         const auto end = std::from_chars(text.data(), text.data() + text.size(), back);
         ASSERT_EQ(end.ptr, text.data() + text.size()) << text;
         ASSERT_EQ(std::memcmp(&back, &value, sizeof value), 0) << text;
+    }
+}
+
+TEST(NumberText, ReadsBackAsTheSameDoubleWherePlainNotationEnds) {
+    std::mt19937_64 random(20261122);
+    for (int i = 0; i < 20000; ++i) {
+        const double value =
+            std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 8) - 1);
+        const std::string text = numberText(value);
+        double back = 0;
+        std::from_chars(text.data(), text.data() + text.size(), back);
+        ASSERT_EQ(back, value) << text;
+        ASSERT_EQ(text.find('e') != std::string::npos, value >= 1e17) << text;
     }
 }
 
