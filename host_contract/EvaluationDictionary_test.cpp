@@ -1,5 +1,8 @@
 #include "host_contract/EvaluationDictionary.hpp"
 
+#include <map>
+#include <random>
+
 #include <gtest/gtest.h>
 
 namespace vigil {
@@ -52,6 +55,27 @@ TEST(EvaluationDictionary, AnEntryThatIsNoReadingOrUnderAnotherKeyIsRefused) {
     EXPECT_FALSE(EvaluationDictionary::fromArchive({{"b", Value(object)}}));
     EXPECT_FALSE(EvaluationDictionary::fromArchive({{"a", Value(1)}}));
     EXPECT_FALSE(EvaluationDictionary::fromArchive({{"a", Value()}}));
+}
+
+TEST(EvaluationDictionary, AnyNumberOfCopiesReadLikeAMapEachWhateverIsWrittenToTheOthers) {
+    std::mt19937 random(20260131);
+    std::vector<EvaluationDictionary> copies(1);
+    std::vector<std::map<std::string, double>> maps(1);
+    for (int step = 0; step < 2000; ++step) {
+        const std::size_t from = random() % copies.size();
+        if (random() % 4 == 0) {
+            copies.push_back(copies[from]);
+            maps.push_back(maps[from]);
+        } else {
+            const std::string key(1, static_cast<char>('a' + random() % 6));
+            copies[from].setObject(AgentProperty::number(key, step, std::nullopt));
+            maps[from][key] = step;
+        }
+        const std::size_t seen = random() % copies.size();
+        ASSERT_EQ(copies[seen].size(), maps[seen].size()) << "step " << step;
+        for (const auto& [key, value] : maps[seen])
+            ASSERT_EQ(copies[seen].objectForKey(key)->value(), value) << "step " << step;
+    }
 }
 
 }  // namespace

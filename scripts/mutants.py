@@ -17,7 +17,7 @@ import mutant_build
 import mutant_list
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
-LEAST = 30
+LEAST = 60
 
 
 def check(root=ROOT, least=LEAST):

@@ -17,8 +17,10 @@ using testing::IsEmpty;
 class CriterionArchive : public testing::Test {
   protected:
     CriterionArchive() {
+        auto bundle = std::make_shared<Bundle>();
+        bundle->resourcePath = "/resources";
         for (const ModuleClass& entry : moduleClasses())
-            ClassRegistry::shared().add(entry.name, entry.make);
+            ClassRegistry::shared().add(entry.name, entry.make, bundle);
     }
 
     /// "Class name(child child)", so that two trees can be compared at a glance.

@@ -23,8 +23,10 @@ class MonitorArchive : public testing::Test {
     MonitorArchive() {
         registerContractClasses();
         ClassRegistry::shared().add("ConditionPredicate", &makeObject<ConditionPredicate>);
+        auto bundle = std::make_shared<Bundle>();
+        bundle->resourcePath = "/resources";
         for (const ModuleClass& entry : moduleClasses())
-            ClassRegistry::shared().add(entry.name, entry.make);
+            ClassRegistry::shared().add(entry.name, entry.make, bundle);
     }
 
     /// Gives each of the eight archived properties a value that is not its default.
