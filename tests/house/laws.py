@@ -11,7 +11,7 @@ import sys
 import tree
 
 LAWS = "docs/laws.md"
-TEST = re.compile(r"^Test +#\d+: (.*)$", re.MULTILINE)
+TEST = re.compile(r"^ *Test +#\d+: (.*)$", re.MULTILINE)
 
 
 def laws():
