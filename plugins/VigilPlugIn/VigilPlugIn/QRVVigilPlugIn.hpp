@@ -13,6 +13,7 @@
 #include "host_contract/QRVPlugIn.hpp"
 #include "platform/InterfaceOwner.hpp"
 #include "platform/NotificationCenter.hpp"
+#include "platform/RuleEditor.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/ActionStatus.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/Criterion.hpp"
 
@@ -21,14 +22,16 @@ namespace vigil {
 class AudioPlayer;
 class Button;
 class PredicateEditor;
-class RuleEditor;
 struct CycleScratch;
 
 /// One monitor: a condition over its station's readings, and the rows of actions that run when it holds.
 ///
 /// The cycle (`dataChanged`) runs on the thread that posts the station's notification, everything else on the
 /// main thread. All accessors are safe from any thread and have no side effects.
-class QRVVigilPlugIn : public QRVPlugIn, public InterfaceOwner, public CycleReporting {
+class QRVVigilPlugIn : public QRVPlugIn,
+                       public InterfaceOwner,
+                       public CycleReporting,
+                       public RuleEditorDelegate {
   public:
     QRVVigilPlugIn();
     ~QRVVigilPlugIn() override;
@@ -53,6 +56,25 @@ class QRVVigilPlugIn : public QRVPlugIn, public InterfaceOwner, public CycleRepo
     void stopEvaluation();
     /// Does nothing: the switch is bound to `evaluating`, which counts at the next start or stop.
     void activateButtonClicked(Object* sender);
+
+    // The rule editor, as its delegate: it chooses from `criteria` and what hangs below. Row and row type
+    // make no difference. A node that is no criterion has no children and shows nothing.
+    std::int64_t ruleEditorNumberOfChildrenForCriterion(RuleEditor& editor,
+                                                        const std::shared_ptr<Object>& criterion,
+                                                        RuleEditorRowType rowType) override;
+    std::shared_ptr<Object> ruleEditorChildForCriterion(RuleEditor& editor, std::int64_t index,
+                                                        const std::shared_ptr<Object>& criterion,
+                                                        RuleEditorRowType rowType) override;
+    DisplayValue ruleEditorDisplayValueForCriterion(RuleEditor& editor,
+                                                    const std::shared_ptr<Object>& criterion,
+                                                    std::int64_t row) override;
+    /// Stores every row anew, in new lists. How many there are is asked of the monitor's own editor, what
+    /// they hold of the one that changed; they are the same unless a host makes two.
+    void ruleEditorRowsDidChange(const Notification& notification) override;
+    /// Puts the stored rows into the rule editor, or one row where none is stored. Throws std::out_of_range
+    /// where display values are stored for fewer rows than criteria are, or more rows than an editor takes,
+    /// and std::length_error for a row of more columns than it takes; the rows before then stand.
+    void awakeFromNib() override;
 
     /// One cycle: wait, readings, log line, verdict, actions, status, snapshot. (Keyword form: dataChanged:)
     void dataChanged(const Notification& notification);

@@ -1,3 +1,4 @@
+#include "platform/Button.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
 // What interface files and hosts reach by name.
@@ -48,6 +49,24 @@ bool setCondition(InterfaceOwner& owner, const Value& value) {
     return true;
 }
 
+/// The editor asks the monitor as its delegate for as long as it is the monitor's.
+bool connectRuleEditor(InterfaceOwner& owner, const std::shared_ptr<Object>& object) {
+    auto editor = std::dynamic_pointer_cast<RuleEditor>(object);
+    if (object && !editor) return false;
+    if (const auto before = monitor(owner).ruleEditor()) before->setDelegate(nullptr);
+    if (editor)
+        editor->setDelegate(std::static_pointer_cast<QRVVigilPlugIn>(monitor(owner).weak_from_this().lock()));
+    monitor(owner).setRuleEditor(std::move(editor));
+    return true;
+}
+
+bool connectActivateButton(InterfaceOwner& owner, const std::shared_ptr<Object>& object) {
+    auto button = std::dynamic_pointer_cast<Button>(object);
+    if (object && !button) return false;
+    monitor(owner).setActivateButton(std::move(button));
+    return true;
+}
+
 }  // namespace
 
 InterfaceTable QRVVigilPlugIn::makeInterfaceTable() {
@@ -82,6 +101,10 @@ InterfaceTable QRVVigilPlugIn::makeInterfaceTable() {
     table.actions = {
         {"activateButtonClicked:",
          [](Owner& o, Object* sender) { monitor(o).activateButtonClicked(sender); }},
+    };
+    table.outlets = {
+        {"ruleEditor", &connectRuleEditor},
+        {"activateButton", &connectActivateButton},
     };
     return table;
 }
