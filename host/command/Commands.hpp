@@ -24,6 +24,7 @@ using AddCommand = void (*)(CLI::App& app, CommandContext& context);
 
 void addCheckCommand(CLI::App& app, CommandContext& context);
 void addDemoCommand(CLI::App& app, CommandContext& context);
+void addDoctorCommand(CLI::App& app, CommandContext& context);
 void addEvalCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
 

@@ -1,0 +1,186 @@
+#include "host/command/Doctor_Probes.hpp"
+
+#include <filesystem>
+#include <map>
+
+#include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace vigil {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using State = Diagnosis::State;
+
+/// A machine that is a folder.
+class DoctorProbes : public testing::Test {
+  protected:
+    DoctorProbes() {
+        m_here.root = m_folder.path();
+        m_here.variable = [this](const char* name) -> std::optional<std::string> {
+            const auto found = m_variables.find(name);
+            return found == m_variables.end() ? std::nullopt : std::optional(found->second);
+        };
+        m_here.siteFolder = "/data/vigil";
+        m_here.scriptsFolder = "/settings/vigil/scripts";
+        m_variables["XDG_RUNTIME_DIR"] = "/run";
+    }
+
+    void folder(const std::string& path) { fs::create_directories(m_here.root + path); }
+
+    void file(const std::string& path, fs::perms mode = fs::perms::owner_read) {
+        folder(fs::path(path).parent_path().string());
+        m_folder.write(path.substr(1), "x");
+        fs::permissions(m_here.root + path, mode);
+    }
+
+    void program(const std::string& path) { file(path, fs::perms::owner_all); }
+
+    void socketAt(const std::string& path) {
+        folder(fs::path(path).parent_path().string());
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        const std::string whole = m_here.root + path;
+        ASSERT_LT(whole.size(), sizeof address.sun_path);
+        whole.copy(address.sun_path, whole.size());
+        const int made = socket(AF_UNIX, SOCK_STREAM, 0);
+        ASSERT_EQ(bind(made, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        close(made);
+    }
+
+    const TemporaryFolder m_folder;
+    DoctorSurroundings m_here;
+    std::map<std::string, std::string> m_variables;
+};
+
+void expect(const Diagnosis& found, State state, const std::string& part) {
+    EXPECT_EQ(found.state, state) << found.says;
+    EXPECT_THAT(found.says, HasSubstr(part));
+    EXPECT_EQ(found.remedy.empty(), state == State::Well)
+        << "a remedy for each finding, and for nothing else";
+}
+
+TEST_F(DoctorProbes, ADisplayIsThereWhenItsServersSocketIs) {
+    expect(displayProbe(m_here), State::Finding, "neither WAYLAND_DISPLAY nor DISPLAY");
+    m_variables["WAYLAND_DISPLAY"] = "wayland-0";
+    expect(displayProbe(m_here), State::Finding, "no Wayland server at /run/wayland-0");
+    m_variables["DISPLAY"] = ":7.0";
+    expect(displayProbe(m_here), State::Finding, "no X server is at /tmp/.X11-unix/X7");
+    socketAt("/tmp/.X11-unix/X7");
+    expect(displayProbe(m_here), State::Well, "X at :7.0");
+    socketAt("/run/wayland-0");
+    expect(displayProbe(m_here), State::Well, "Wayland at /run/wayland-0");
+    m_variables = {{"DISPLAY", "far.example:0"}};
+    expect(displayProbe(m_here), State::Well, "another machine");
+}
+
+TEST_F(DoctorProbes, SoundIsAServerOrElseACard) {
+    expect(soundProbe(m_here), State::Finding, "no sound server at /run/pulse/native");
+    file("/dev/snd/controlC0");
+    file("/dev/snd/pcmC0D0c", fs::perms::owner_all);
+    expect(soundProbe(m_here), State::Finding, "no sound card");
+    file("/dev/snd/pcmC0D0p", fs::perms::owner_all);
+    expect(soundProbe(m_here), State::Well, "a sound card");
+    socketAt("/run/pipewire-0");
+    expect(soundProbe(m_here), State::Well, "a sound server at /run/pipewire-0");
+    m_variables["PULSE_SERVER"] = "unix:/else/native";
+    expect(soundProbe(m_here), State::Well, "a sound card");
+    socketAt("/else/native");
+    expect(soundProbe(m_here), State::Well, "a sound server at /else/native");
+    m_variables["PULSE_SERVER"] = "tcp:far.example";
+    expect(soundProbe(m_here), State::Well, "was not asked");
+}
+
+TEST_F(DoctorProbes, SpeechNeedsItsProgramInThePath) {
+    m_variables["PATH"] = "/first::/second";
+    folder("/first/espeak-ng");
+    expect(speechProbe(m_here), State::Finding, "espeak-ng is not in PATH");
+    program("/second/espeak-ng");
+    expect(speechProbe(m_here), State::Well, "/second/espeak-ng");
+}
+
+TEST_F(DoctorProbes, TheSiteFolderIsThereOrCanBeMadeAndIsClosedToOthers) {
+    folder("/data");
+    expect(siteFolderProbe(m_here), State::Well, "will be made");
+    folder("/data/vigil");
+    expect(siteFolderProbe(m_here), State::Well, "/data/vigil");
+    fs::permissions(m_here.root + "/data/vigil", fs::perms::owner_all | fs::perms::group_write);
+    const Diagnosis open = siteFolderProbe(m_here);
+    expect(open, State::Finding, "others may write to /data/vigil");
+    EXPECT_EQ(open.remedy, "chmod go-w /data/vigil");
+    m_here.siteFolder = "/data/file/vigil";
+    file("/data/file");
+    expect(siteFolderProbe(m_here), State::Finding, "/data/file is no folder");
+    m_here.siteFolder.clear();
+    expect(siteFolderProbe(m_here), State::Unknown, "HOME");
+}
+
+TEST_F(DoctorProbes, AFolderThatMayNotBeWrittenIsAFinding) {
+    folder("/data");
+    fs::permissions(m_here.root, fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(m_here.root + "/data", fs::perms::owner_read | fs::perms::owner_exec |
+                                               fs::perms::others_read | fs::perms::others_exec);
+    // The superuser may write everywhere, so nobody looks, in a process of its own.
+    const auto look = [this] {
+        constexpr uid_t kNobody = 65534;
+        if (geteuid() == 0 && setuid(kNobody) != 0) return 2;
+        const Diagnosis found = siteFolderProbe(m_here);
+        return found.state == State::Finding && found.says == "/data/vigil cannot be written" ? 0 : 1;
+    };
+    EXPECT_EXIT(_exit(look()), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(DoctorProbes, TheScriptsFolderIsThereAndNobodyElseCanPutScriptsIntoIt) {
+    const Diagnosis missing = scriptsFolderProbe(m_here);
+    expect(missing, State::Finding, "there is no folder /settings/vigil/scripts");
+    EXPECT_EQ(missing.remedy, "mkdir -p /settings/vigil/scripts");
+    folder("/settings/vigil/scripts");
+    expect(scriptsFolderProbe(m_here), State::Well, "/settings/vigil/scripts");
+    fs::permissions(m_here.root + "/settings/vigil/scripts", fs::perms::all);
+    expect(scriptsFolderProbe(m_here), State::Finding, "others may put scripts");
+    m_here.scriptsFolder = "/settings/file";
+    file("/settings/file");
+    expect(scriptsFolderProbe(m_here), State::Finding, "is no folder");
+}
+
+TEST_F(DoctorProbes, TheTimeZoneIsTheMachinesOrOneThatIsDescribed) {
+    expect(timeZoneProbe(m_here), State::Finding, "/etc/localtime is missing");
+    file("/usr/share/zoneinfo/Europe/Paris");
+    folder("/etc");
+    fs::create_symlink(m_here.root + "/usr/share/zoneinfo/Europe/Paris", m_here.root + "/etc/localtime");
+    EXPECT_EQ(timeZoneProbe(m_here).says, "Europe/Paris");
+    for (const char* const zone : {"Europe/Paris", ":Europe/Paris", "/usr/share/zoneinfo/Europe/Paris", "UTC",
+                                   "CET-1CEST", "<+03>-3", "EST5EDT,M3.2.0,M11.1.0"}) {
+        m_variables["TZ"] = zone;
+        expect(timeZoneProbe(m_here), State::Well, "as TZ says");
+    }
+    for (const char* const zone : {"Europe/Pariss", ":", "Europe", "X1", "<+03", "Paris"}) {
+        m_variables["TZ"] = zone;
+        expect(timeZoneProbe(m_here), State::Finding, "which no file");
+    }
+}
+
+TEST_F(DoctorProbes, TheInstallationHasItsModuleItsHelperAndAShell) {
+    expect(moduleProbe(m_here), State::Unknown, "where this program is");
+    expect(helperProbe(m_here), State::Unknown, "where this program is");
+    m_here.programFolder = m_folder.path() + "/bin";
+    expect(moduleProbe(m_here), State::Finding, "/lib/vigil/VigilPlugIn");
+    expect(helperProbe(m_here), State::Finding, "no script can run");
+    file("/bin/vigil-helper");
+    expect(helperProbe(m_here), State::Finding, "no script can run");
+    program("/bin/vigil-helper");
+    expect(helperProbe(m_here), State::Well, "/bin/vigil-helper");
+    expect(shellProbe(m_here), State::Finding, "/bin/sh is missing");
+    program("/bin/sh");
+    expect(shellProbe(m_here), State::Well, "/bin/sh");
+    m_here.programFolder = VIGIL_BINARY_DIR "/bin";
+    expect(moduleProbe(m_here), State::Well, "loads");
+}
+
+}  // namespace
+}  // namespace vigil
