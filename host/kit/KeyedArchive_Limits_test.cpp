@@ -83,6 +83,19 @@ TEST_F(KeyedArchiveLimitsTest, depthAlongReferencesInAFlatText) {
     EXPECT_TRUE(readVerdict(flatChain(198), {.depth = 199}).ends_with("199 levels inside each other"));
 }
 
+TEST_F(KeyedArchiveLimitsTest, aDateAtTheEndOfAChainOfReferencesCountsItsOwnLevels) {
+    for (const auto& [date, levels] : {std::pair(Date(1), 1), std::pair(Date(HUGE_VAL), 2)}) {
+        const auto root = flatChain(100);
+        const auto innermost = *(*root->entries[2].as<ValueList>())[0].as<std::shared_ptr<Object>>();
+        std::dynamic_pointer_cast<Sample>(innermost)->entries[1] = Value(date);
+        const std::size_t whole = 102 + static_cast<std::size_t>(levels);  // the root, its list, the chain
+        EXPECT_EQ(verdict(root, {.depth = whole}), "both");
+        EXPECT_EQ(verdict(root, {.depth = whole - 1}),
+                  "root: more than " + std::to_string(whole - 1) + " levels inside each other");
+        EXPECT_TRUE(readVerdict(root, {.depth = whole - 1}).ends_with("levels inside each other"));
+    }
+}
+
 TEST_F(KeyedArchiveLimitsTest, depthAlongReferencesThatLeadForward) {
     const auto chain = [](int length) {
         std::string text = R"({"format":"vigil-archive","version":1,"root":{"$class":"Sample","$id":1,"a":[)";

@@ -90,7 +90,7 @@ TEST(PlugInLoader, eachMistakeOfACodeIsRefusedWithItsOwnSentence) {
     EXPECT_EQ(verdict(fixture("ThrowingEntry")), "ThrowingEntry.so: its entry threw: no licence today");
     EXPECT_EQ(verdict(fixture("NoTable")), "NoTable.so: its entry gave no table");
     EXPECT_EQ(verdict(fixture("OtherClasses")),
-              "OtherClasses.so: its classes are HeldThing; Info.json says SaidThing, SaidToo");
+              "OtherClasses.so: its classes are HeldThing, HeldToo; Info.json says SaidThing, SaidToo");
     EXPECT_EQ(verdict(fixture("HostClass")),
               "HostClass.so: its class TextField is taken already by the host");
     EXPECT_EQ(verdict(fixture("NewerContract")),

@@ -136,6 +136,16 @@ TEST_F(CycleOrder, WithOnlyOnChangeAFirstReadingCountsIfItIsNotZeroAndHasATime) 
               "Vigil evaluation dictionary: {counts = 7} #QRVVigilPlugIn");
 }
 
+TEST_F(CycleOrder, TheSnapshotIsAskedByKeyAlsoWhereTheReadingsComeInAnotherOrder) {
+    m_monitor->setTriggerOnlyOnChange(true);
+    FakeAgent::announce(m_agent, {AgentProperty::number("a", 5, m_world.now()),
+                                  AgentProperty::number("b", 7, m_world.now())});
+    m_world.advance(1);
+    FakeAgent::announce(m_agent, {AgentProperty::number("b", 7, m_world.now()),
+                                  AgentProperty::number("a", 5, m_world.now())});
+    EXPECT_EQ(m_world.log().lines().back().message, "Vigil evaluation dictionary: {} #QRVVigilPlugIn");
+}
+
 TEST_F(CycleOrder, TheSnapshotHoldsExactlyTheReadingsAlsoThoseThatWereNotJudged) {
     m_monitor->setTriggerOnlyOnChange(true);
     FakeAgent::announce(m_agent, {AgentProperty::number("gone", 1, m_world.now())});
