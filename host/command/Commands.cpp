@@ -4,7 +4,7 @@ namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
     static const std::vector<AddCommand> commands = {addDemoCommand, addReplayCommand, addCheckCommand,
-                                                     addEvalCommand, addDoctorCommand};
+                                                     addEvalCommand, addPluginCommand};
     return commands;
 }
 

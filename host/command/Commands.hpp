@@ -26,6 +26,7 @@ void addCheckCommand(CLI::App& app, CommandContext& context);
 void addDemoCommand(CLI::App& app, CommandContext& context);
 void addDoctorCommand(CLI::App& app, CommandContext& context);
 void addEvalCommand(CLI::App& app, CommandContext& context);
+void addPluginCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
 
 /// Every sub-command, in the order in which `--help` lists them.
