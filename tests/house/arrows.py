@@ -22,6 +22,7 @@ MAY_SEE = {
     "host_contract": ("platform",),
     "conditions": WITHOUT_CONDITIONS,
     "plugins/VigilPlugIn/VigilPlugIn": HOUSE,
+    "plugins/ContractProbe": WITHOUT_CONDITIONS,
     "host/services": WITHOUT_CONDITIONS,
     "host/feeds": WITHOUT_CONDITIONS,
     "host/helper": ("platform", "host/services"),
