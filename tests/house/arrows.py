@@ -13,7 +13,7 @@ import sys
 
 import tree
 
-HOUSE = ("platform", "host_contract", "conditions")
+HOUSE = ("platform", "host_contract", "conditions", "conditions/editor")
 WITHOUT_CONDITIONS = ("platform", "host_contract")
 BUILDING_BLOCKS = ("host/kit", "host/services", "host/feeds")
 # A room, and the rooms that it may see. Every room that stands here and not in the list behind it stays out of reach.
@@ -21,6 +21,7 @@ MAY_SEE = {
     "platform": (),
     "host_contract": ("platform",),
     "conditions": WITHOUT_CONDITIONS,
+    "conditions/editor": HOUSE,
     "plugins/VigilPlugIn/VigilPlugIn": HOUSE,
     "plugins/ContractProbe": WITHOUT_CONDITIONS,
     "host/services": WITHOUT_CONDITIONS,
@@ -70,6 +71,14 @@ def flags_of(command):
     return kept
 
 
+def includes_inner(home, room):
+    """Sources of a room that include a room inside it, which the compiler cannot forbid: it lies below the same
+    include root."""
+    for path in tree.files(tree.SOURCES, (home.split("/")[0],)):
+        if room_of(path) == home and f'#include "{room}/' in "\n".join(tree.lines(path)):
+            yield path
+
+
 def reaches(flags, directory, header):
     """Whether an include of the header would find it. The header is not read: what it includes itself would only
     blur the answer."""
@@ -108,6 +117,9 @@ def main():
             if header is None:
                 continue
             asked += 1
+            if room.startswith(home + "/"):
+                findings += [f"{path} includes {room}" for path in includes_inner(home, room)]
+                continue
             seen = reaches(flags, directory, header)
             # a module's folder could also be an include root by itself
             if room.startswith("plugins/") and room != home:
