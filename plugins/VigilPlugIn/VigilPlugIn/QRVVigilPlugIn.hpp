@@ -22,6 +22,7 @@ namespace vigil {
 class AudioPlayer;
 class Button;
 class PredicateEditor;
+class PredicateEditorRowTemplate;
 struct CycleScratch;
 
 /// One monitor: a condition over its station's readings, and the rows of actions that run when it holds.
@@ -75,6 +76,24 @@ class QRVVigilPlugIn : public QRVPlugIn,
     /// where display values are stored for fewer rows than criteria are, or more rows than an editor takes,
     /// and std::length_error for a row of more columns than it takes; the rows before then stand.
     void awakeFromNib() override;
+
+    // The condition editor.
+    /// Makes the four row templates (groups, numbers, texts, dates) of the station's present readings and
+    /// puts them into the condition editor; `propertyArray` is then the keys in the order of the user's
+    /// language.
+    void loadPredicate();
+    /// Each rewrites the left-hand menu of a template that holds plain keys: the expression becomes the key
+    /// with the member, the title the reading's display name. (Keyword forms: setupPredicateFloatTemplates:
+    /// and so on)
+    void setupPredicateFloatTemplates(PredicateEditorRowTemplate& rowTemplate);
+    void setupPredicateStringTemplates(PredicateEditorRowTemplate& rowTemplate);
+    void setupPredicateDateTemplates(PredicateEditorRowTemplate& rowTemplate);
+    /// Writes into `actionStatus` which comparisons of the condition hold for the station's present readings:
+    /// "Alert was caused by Wind chill that is now 8 °C & Wind speed that is now 30 kt." Empties
+    /// `propertyArray`. The printed condition is cut at the station's keys, so a key inside another key, a
+    /// key in a quoted text and a nested group mislead it: std::out_of_range where a piece has no blank,
+    /// std::invalid_argument where one is no condition; the status then stays as far as it was built.
+    void determineWhatPartOfPredicateCauseAlert();
 
     /// One cycle: wait, readings, log line, verdict, actions, status, snapshot. (Keyword form: dataChanged:)
     void dataChanged(const Notification& notification);

@@ -101,6 +101,8 @@ InterfaceTable QRVVigilPlugIn::makeInterfaceTable() {
     table.actions = {
         {"activateButtonClicked:",
          [](Owner& o, Object* sender) { monitor(o).activateButtonClicked(sender); }},
+        {"determineWhatPartOfPredicateCauseAlert",
+         [](Owner& o, Object*) { monitor(o).determineWhatPartOfPredicateCauseAlert(); }},
     };
     table.outlets = {
         {"ruleEditor", &connectRuleEditor},
