@@ -75,13 +75,6 @@ void evalNotifications(const EvalOptions& options, CommandContext& context) {
     if (source) judgeAll(*source, *condition, options, report, context);
 }
 
-void evalLines(const std::string& path, CommandContext& context) {
-    auto bytes = openBytes(path);
-    if (bytes) return evalBatch(std::move(bytes).value(), path == "-" ? "standard input" : path, context);
-    context.output.error(bytes.error().message);
-    context.status = ExitStatus::Environment;
-}
-
 }  // namespace
 
 void addEvalCommand(CLI::App& app, CommandContext& context) {
@@ -106,7 +99,7 @@ void addEvalCommand(CLI::App& app, CommandContext& context) {
     command->callback([options, condition, file, &context] {
         if (options->batch) {
             if (file->count() > 0) throw CLI::ExtrasError("eval", {options->feed.path});
-            return evalLines(condition->count() > 0 ? options->condition : "-", context);
+            return evalBatch(condition->count() > 0 ? options->condition : "-", context);
         }
         if (condition->count() == 0) throw CLI::RequiredError("CONDITION");
         evalNotifications(*options, context);

@@ -3,8 +3,14 @@
 namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
-    static const std::vector<AddCommand> commands = {addDemoCommand, addReplayCommand, addCheckCommand,
-                                                     addEvalCommand, addPluginCommand};
+    static const std::vector<AddCommand> commands = {
+        addDemoCommand,
+        addReplayCommand,
+        addCheckCommand,
+        addEvalCommand,
+        addExplainCommand,
+        addPluginCommand,
+    };
     return commands;
 }
 

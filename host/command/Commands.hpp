@@ -27,6 +27,7 @@ void addDemoCommand(CLI::App& app, CommandContext& context);
 void addDoctorCommand(CLI::App& app, CommandContext& context);
 void addEvalCommand(CLI::App& app, CommandContext& context);
 void addPluginCommand(CLI::App& app, CommandContext& context);
+void addExplainCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
 
 /// Every sub-command, in the order in which `--help` lists them.

@@ -5,6 +5,14 @@
 
 namespace vigil {
 
+const Condition& LastCondition::of(std::string_view text) {
+    if (!m_condition || m_text != text) {
+        m_text = text;
+        m_condition = ConditionPredicate::predicateWithFormat(text);
+    }
+    return *m_condition;
+}
+
 void appendAnswer(std::string& to, const Condition& condition, std::optional<bool> holds) {
     if (condition) {
         to += R"({"ok":true,"printed":)";

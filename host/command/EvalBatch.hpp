@@ -1,15 +1,13 @@
 #pragma once
 
-#include <memory>
+#include <string>
 
 #include "host/command/CommandContext.hpp"
-#include "host/feeds/Bytes.hpp"
 
 namespace vigil {
 
-/// `vigil eval --batch`: lines {"condition":…,"readings":{…}} in, one answer a line out, in the same order.
-/// A line that is none is told on the error stream with its number, answered {"ok":false,"line":N,"error":…},
-/// and makes the status BadInput in the end.
-void evalBatch(std::unique_ptr<Bytes> from, const std::string& name, CommandContext& context);
+/// `vigil eval --batch`: lines {"condition":…,"readings":{…}} in, one verdict a line out (BatchLines.hpp).
+/// `path` may be "-".
+void evalBatch(const std::string& path, CommandContext& context);
 
 }  // namespace vigil
