@@ -72,9 +72,10 @@ class QRVVigilPlugIn : public QRVPlugIn,
     /// Stores every row anew, in new lists. How many there are is asked of the monitor's own editor, what
     /// they hold of the one that changed; they are the same unless a host makes two.
     void ruleEditorRowsDidChange(const Notification& notification) override;
-    /// Puts the stored rows into the rule editor, or one row where none is stored. Throws std::out_of_range
-    /// where display values are stored for fewer rows than criteria are, or more rows than an editor takes,
-    /// and std::length_error for a row of more columns than it takes; the rows before then stand.
+    /// Makes the condition editor's templates, puts the stored rows into the rule editor, or one row where
+    /// none is stored, and then the condition into the condition editor. Throws std::out_of_range where
+    /// display values are stored for fewer rows than criteria are, or more rows than an editor takes, and
+    /// std::length_error for a row of more columns than it takes; the rows before then stand.
     void awakeFromNib() override;
 
     // The condition editor.
@@ -186,6 +187,7 @@ class QRVVigilPlugIn : public QRVPlugIn,
     static std::shared_ptr<ConditionPredicate> defaultPredicate();
     void initCommon();
     HostWorld* world() const;
+    bool connectPredicateEditor(const std::shared_ptr<Object>& object);
     bool judge(HostWorld& world, const Readings& batch, CycleScratch& scratch, ReadingsView& judged) const;
     void fire(HostWorld& world);
     std::unique_ptr<CycleScratch> takeScratch();
@@ -195,6 +197,7 @@ class QRVVigilPlugIn : public QRVPlugIn,
     Property<bool> m_triggerOnlyOnChange;
     Property<std::optional<Number>> m_retriggerInterval;
     Property<std::shared_ptr<PredicateEditor>> m_predicateEditor;
+    std::shared_ptr<const void> m_predicateEdits;  // while it lives, edits of the condition reach `predicate`
     Property<std::shared_ptr<RuleEditor>> m_ruleEditor;
     Property<std::shared_ptr<CriterionList>> m_criteria;
     Property<std::shared_ptr<CriteriaRows>> m_storedCriteria;

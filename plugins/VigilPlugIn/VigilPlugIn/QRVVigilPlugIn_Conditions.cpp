@@ -44,6 +44,23 @@ void completeItems(Template& rowTemplate, const EvaluationDictionary& properties
 
 }  // namespace
 
+// Every edit replaces the condition; showing one is no edit and never comes back here.
+bool QRVVigilPlugIn::connectPredicateEditor(const std::shared_ptr<Object>& object) {
+    const auto editor = std::dynamic_pointer_cast<PredicateEditor>(object);
+    if (object && !editor) return false;
+    m_predicateEdits.reset();
+    setPredicateEditor(editor);
+    if (!editor) return true;
+    const std::weak_ptr<QRVPlugIn> self = weak_from_this();
+    const std::weak_ptr<PredicateEditor> edited = editor;
+    m_predicateEdits = editor->observeEdits([self, edited] {
+        const auto monitor = std::static_pointer_cast<QRVVigilPlugIn>(self.lock());
+        const auto from = edited.lock();
+        if (monitor && from) monitor->setPredicate(from->objectValue());
+    });
+    return true;
+}
+
 void QRVVigilPlugIn::loadPredicate() {
     setPropertyArray(std::make_shared<Names>());
     const auto station = agent();

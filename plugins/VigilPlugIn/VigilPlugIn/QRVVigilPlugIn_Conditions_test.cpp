@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "conditions/editor/PredicateEditor.hpp"
+#include "platform/Controls.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 #include "tests/support/FakeAgent.hpp"
 #include "tests/support/FakeWorld.hpp"
@@ -151,6 +152,51 @@ TEST_F(ConditionTemplates, ASetUpOperationRewritesPlainKeysAlone) {
     m_monitor->setupPredicateDateTemplates(*made);
     EXPECT_THAT(keyPaths(*made), ElementsAre("a.value", "gone"));
     EXPECT_THAT(titles(*made), ElementsAre("Anna", "gone"));
+}
+
+TEST_F(ConditionTemplates, AnEditorThatWakesShowsTheConditionAndHasTheTemplates) {
+    m_agent->setProperties(std::vector<AgentProperty>{reading("windChill", kNumericType, "Wind chill")});
+    const auto before = m_monitor->predicate();
+    ASSERT_TRUE(m_monitor->outletNamed("predicateEditor")->connect(*m_monitor, m_editor));
+    m_monitor->awakeFromNib();
+    EXPECT_EQ(m_editor->objectValue(), before);
+    EXPECT_EQ(m_monitor->predicate(), before) << "showing the condition is no edit";
+    EXPECT_EQ(m_editor->rows().at(1).popUps.at(0).shown, "Wind chill");
+}
+
+TEST_F(ConditionTemplates, EveryEditReplacesTheConditionAndAnEmptyEditorLeavesNone) {
+    m_agent->setProperties(std::vector<AgentProperty>{reading("windChill", kNumericType)});
+    ASSERT_TRUE(m_monitor->outletNamed("predicateEditor")->connect(*m_monitor, m_editor));
+    m_monitor->awakeFromNib();
+    ASSERT_TRUE(m_editor->setValueText(1, "8"));
+    EXPECT_EQ(m_monitor->predicate()->printed(), "windChill.unitValue < 8 OR windSpeed.unitValue > 25");
+    ASSERT_TRUE(m_editor->removeRow(2));
+    EXPECT_EQ(m_monitor->predicate()->printed(), "windChill.unitValue < 8");
+    ASSERT_TRUE(m_editor->removeRow(1));
+    EXPECT_EQ(m_monitor->predicate(), nullptr);
+}
+
+TEST_F(ConditionTemplates, OnlyTheEditorThatIsConnectedCounts) {
+    const auto other = std::make_shared<PredicateEditor>();
+    const auto* outlet = m_monitor->outletNamed("predicateEditor");
+    ASSERT_TRUE(outlet->connect(*m_monitor, m_editor));
+    m_monitor->awakeFromNib();
+    ASSERT_TRUE(outlet->connect(*m_monitor, other));
+    EXPECT_EQ(m_monitor->predicateEditor(), other);
+    const auto before = m_monitor->predicate();
+    ASSERT_TRUE(m_editor->removeRow(1));
+    EXPECT_EQ(m_monitor->predicate(), before);
+    EXPECT_FALSE(outlet->connect(*m_monitor, std::make_shared<TextField>()));
+    ASSERT_TRUE(outlet->connect(*m_monitor, nullptr));
+    EXPECT_EQ(m_monitor->predicateEditor(), nullptr);
+}
+
+TEST_F(ConditionTemplates, AnEditorThatOutlivesItsMonitorMayBeEdited) {
+    m_agent->setProperties(std::vector<AgentProperty>{reading("a", kNumericType)});
+    ASSERT_TRUE(m_monitor->outletNamed("predicateEditor")->connect(*m_monitor, m_editor));
+    m_monitor->awakeFromNib();
+    m_monitor.reset();
+    EXPECT_TRUE(m_editor->addRow(0, 0));
 }
 
 TEST_F(ConditionTemplates, LoadingThemNeverTouchesTheCondition) {

@@ -105,6 +105,10 @@ InterfaceTable QRVVigilPlugIn::makeInterfaceTable() {
          [](Owner& o, Object*) { monitor(o).determineWhatPartOfPredicateCauseAlert(); }},
     };
     table.outlets = {
+        {"predicateEditor",
+         [](Owner& o, const std::shared_ptr<Object>& object) {
+             return monitor(o).connectPredicateEditor(object);
+         }},
         {"ruleEditor", &connectRuleEditor},
         {"activateButton", &connectActivateButton},
     };

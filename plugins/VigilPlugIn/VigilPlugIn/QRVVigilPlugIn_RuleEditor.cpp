@@ -1,3 +1,4 @@
+#include "conditions/editor/PredicateEditor.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
 // Between the rule editor and the stored rows: what the editor may choose from, what is stored of its rows,
@@ -65,6 +66,7 @@ void QRVVigilPlugIn::ruleEditorRowsDidChange(const Notification& notification) {
 }
 
 void QRVVigilPlugIn::awakeFromNib() {
+    loadPredicate();
     const auto editor = ruleEditor();
     if (editor) {
         editor->setCanRemoveAllRows(false);
@@ -82,6 +84,7 @@ void QRVVigilPlugIn::awakeFromNib() {
     }
     const auto rebuilt = ruleEditorStoredCriteria();
     if (editor && (!rebuilt || rebuilt->empty())) editor->addRow(this);
+    if (const auto conditions = predicateEditor()) conditions->setObjectValue(predicate());
 }
 
 }  // namespace vigil
