@@ -9,6 +9,7 @@ const std::vector<AddCommand>& allCommands() {
         addCheckCommand,
         addEvalCommand,
         addExplainCommand,
+        addDoctorCommand,
         addPluginCommand,
     };
     return commands;
