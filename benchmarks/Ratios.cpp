@@ -9,6 +9,12 @@
 namespace vigil::bench {
 namespace {
 
+// The time of the thread alone: the program's own measure where it takes one, else the processor's.
+double ownTime(const benchmark::BenchmarkReporter::Run& run) {
+    const bool measuredByHand = run.run_name.time_type == "manual_time";
+    return measuredByHand ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
+}
+
 class CollectingReporter : public benchmark::ConsoleReporter {
   public:
     explicit CollectingReporter(Fastest& fastest) : m_fastest(fastest) {}
@@ -18,7 +24,7 @@ class CollectingReporter : public benchmark::ConsoleReporter {
         std::vector<Run> shown;
         for (const Run& run : runs) {
             const bool measured = run.run_type == Run::RT_Iteration && !run.error_occurred;
-            if (measured) m_fastest.add(run.run_name.function_name, run.GetAdjustedRealTime());
+            if (measured) m_fastest.add(run.run_name.function_name, ownTime(run));
             if (run.repetitions <= 1 || run.aggregate_name == "median") shown.push_back(run);
         }
         if (!shown.empty()) ConsoleReporter::ReportRuns(shown);

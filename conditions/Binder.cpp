@@ -54,12 +54,10 @@ class Binder {
     Program bind(const ConditionNode& tree);
 
   private:
-    using Label = std::uint32_t;  // a place in the program that may not be known yet
-    // Where to go on after a node. One of the two is `next`, what is placed right behind the node's code.
+    // Where to go on after a node: an end of the program, or a label, a place that is not known yet.
     struct Exits {
-        Label whenTrue;
-        Label whenFalse;
-        Label next;
+        Place whenTrue;
+        Place whenFalse;
     };
 
     void node(const ConditionNode& node, Exits exits);
@@ -69,24 +67,21 @@ class Binder {
     void text(const Comparison& comparison, Exits exits);
     void step(StepKind kind, std::size_t first, std::size_t end, Exits exits);
 
-    Label newLabel();
-    void place(Label label);
+    Place newLabel();
+    void settle(Place& target) const;
 
     const KeyTable& m_table;
     Program m_program;
-    std::vector<std::uint32_t> m_places;  // of each label, as an index of a step
+    std::vector<Place> m_places;  // of each label
 };
 
 Program Binder::bind(const ConditionNode& tree) {
-    const Label whenTrue = newLabel();
-    const Label whenFalse = newLabel();
-    node(tree, {whenTrue, whenFalse, whenTrue});
-    place(whenTrue);
-    m_program.steps.push_back({.kind = StepKind::True});
-    place(whenFalse);
-    m_program.steps.push_back({.kind = StepKind::False});
-    for (Step& step : m_program.steps)
-        step.target = m_places[step.target];
+    node(tree, {kHolds, kFails});
+    for (Step& step : m_program.steps) {
+        settle(step.whenTrue);
+        settle(step.whenFalse);
+    }
+    m_program.start = 0;
     return std::move(m_program);
 }
 
@@ -111,15 +106,13 @@ void Binder::compound(const ConditionNode& node, Exits exits) {
         const std::size_t after = i + std::max<std::size_t>(run, 1);
         const bool last = after == parts.size();
         Exits here = exits;
-        if (!last) {
-            here.next = newLabel();
-            (node.connective() == Connective::And ? here.whenTrue : here.whenFalse) = here.next;
-        }
+        const Place next = last ? kFails : newLabel();
+        if (!last) (node.connective() == Connective::And ? here.whenTrue : here.whenFalse) = next;
         if (run > 0)
             orderings(&parts[i], run, node.connective(), here);
         else
             this->node(parts[i], here);
-        if (!last) place(here.next);
+        if (!last) m_places[next] = static_cast<Place>(m_program.steps.size());
         i = after;
     }
 }
@@ -151,21 +144,20 @@ void Binder::text(const Comparison& comparison, Exits exits) {
 }
 
 void Binder::step(StepKind kind, std::size_t first, std::size_t end, Exits exits) {
-    const bool jumpWhen = exits.whenTrue != exits.next;
     m_program.steps.push_back({.kind = kind,
-                               .jumpWhen = jumpWhen,
-                               .target = jumpWhen ? exits.whenTrue : exits.whenFalse,
                                .first = static_cast<std::uint32_t>(first),
-                               .end = static_cast<std::uint32_t>(end)});
+                               .end = static_cast<std::uint32_t>(end),
+                               .whenTrue = exits.whenTrue,
+                               .whenFalse = exits.whenFalse});
 }
 
-Binder::Label Binder::newLabel() {
-    m_places.push_back(0);
-    return static_cast<Label>(m_places.size() - 1);
+Place Binder::newLabel() {
+    m_places.push_back(kFails);
+    return static_cast<Place>(m_places.size() - 1);
 }
 
-void Binder::place(Label label) {
-    m_places[label] = static_cast<std::uint32_t>(m_program.steps.size());
+void Binder::settle(Place& target) const {
+    if (target < kFails) target = m_places[target];
 }
 
 }  // namespace

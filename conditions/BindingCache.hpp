@@ -28,6 +28,10 @@ class VIGIL_KIT BindingCache {
     void reset(const ConditionNode* tree);
     /// False where no condition is set.
     bool holds(const ReadingsView& readings) const;
+    /// The condition bound to a table; nothing where no condition is set.
+    std::shared_ptr<const BoundCondition> binding(const KeyTable& table) const {
+        return m_tree ? bindingFor(table) : nullptr;
+    }
     /// How many bindings are remembered, and how many have been made.
     std::size_t size() const;
     std::size_t made() const;

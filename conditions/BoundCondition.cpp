@@ -1,5 +1,6 @@
 #include "conditions/BoundCondition.hpp"
 
+#include <algorithm>
 #include <cassert>
 #include <string>
 #include <string_view>
@@ -37,44 +38,49 @@ bool TextTest::holds(const AgentProperty* const* bySlot) const {
 
 namespace {
 
-// Whether one of the step's tests comes out as wanted. A branch a test: readings change slowly, so their
-// branches are foreseen mostly, and a test not made is the fastest.
-template <double AgentProperty::Parts::*member, bool wanted>
-inline bool anyComesOut(const Program& program, const Step& step, const AgentProperty* const* bySlot) {
-    const NumberTest* test = program.numbers.data() + step.first;
-    const NumberTest* const end = program.numbers.data() + step.end;
+// Where to go on once a test has come out as `decides`, or none has. A branch a test: readings change slowly,
+// so their branches are foreseen mostly, and a test not made is the fastest.
+template <double AgentProperty::Parts::*member, bool decides>
+inline Place after(const Step& step, const NumberTest* numbers, const AgentProperty* const* bySlot) {
+    const NumberTest* test = numbers + step.first;
+    const NumberTest* const end = numbers + step.end;
     do {
-        if (test->holds<member>(bySlot) == wanted) return true;
+        if (test->holds<member>(bySlot) == decides) return decides ? step.whenTrue : step.whenFalse;
     } while (++test != end);
-    return false;
+    return decides ? step.whenFalse : step.whenTrue;
 }
 
 template <bool withTexts>
 bool run(const Program& program, const AgentProperty* const* bySlot) {
     using Parts = AgentProperty::Parts;
     const Step* const steps = program.steps.data();
-    for (const Step* step = steps;;) {
-        bool answer = false;
+    const NumberTest* const numbers = program.numbers.data();
+    Place place = program.start;
+    while (place < kFails) {
+        const Step& step = steps[place];
         // In the order in which conditions have them; a switch would ask in another.
-        if (step->kind == StepKind::AllUnitValues)
-            answer = !anyComesOut<&Parts::unitValue, false>(program, *step, bySlot);
-        else if (step->kind == StepKind::AnyUnitValue)
-            answer = anyComesOut<&Parts::unitValue, true>(program, *step, bySlot);
-        else if (step->kind == StepKind::True)
-            return true;
-        else if (step->kind == StepKind::False)
-            return false;
-        else if (step->kind == StepKind::AllValues)
-            answer = !anyComesOut<&Parts::value, false>(program, *step, bySlot);
-        else if (step->kind == StepKind::AnyValue)
-            answer = anyComesOut<&Parts::value, true>(program, *step, bySlot);
-        else if constexpr (withTexts)
-            answer = program.texts[step->first].holds(bySlot);
-        if (answer == step->jumpWhen)
-            step = steps + step->target;
+        if (step.kind == StepKind::AllUnitValues)
+            place = after<&Parts::unitValue, false>(step, numbers, bySlot);
+        else if (step.kind == StepKind::AnyUnitValue)
+            place = after<&Parts::unitValue, true>(step, numbers, bySlot);
+        else if (!withTexts || step.kind != StepKind::Text)
+            place = step.kind == StepKind::AllValues ? after<&Parts::value, false>(step, numbers, bySlot)
+                                                     : after<&Parts::value, true>(step, numbers, bySlot);
         else
-            ++step;
+            place = program.texts[step.first].holds(bySlot) ? step.whenTrue : step.whenFalse;
     }
+    return place == kHolds;
+}
+
+std::vector<KeyTable::Slot> slotsOf(const Program& program) {
+    std::vector<KeyTable::Slot> slots;
+    for (const NumberTest& test : program.numbers)
+        slots.push_back(test.slot);
+    for (const TextTest& test : program.texts)
+        if (test.slot != TextTest::kNoSlot) slots.push_back(test.slot);
+    std::sort(slots.begin(), slots.end());
+    slots.erase(std::unique(slots.begin(), slots.end()), slots.end());
+    return slots;
 }
 
 // Without texts nothing is called, which saves the registers' way to the stack and back.
@@ -86,10 +92,13 @@ inline bool verdict(const Program& program, const AgentProperty* const* bySlot) 
 
 BoundCondition::BoundCondition(const ConditionNode& tree, const KeyTable& table)
     : m_tableId(table.id()), m_program(boundProgram(tree, table)) {
-    if (table.size() > 0) return;
+    if (table.size() > 0) {
+        m_slots = slotsOf(m_program);
+        return;
+    }
     // Nothing can change the verdict, and there is no slot 0 at which a test without a key could look.
     const AgentProperty* const none[1] = {nullptr};
-    m_program = {.steps = {{.kind = verdict(m_program, none) ? StepKind::True : StepKind::False}}};
+    m_program = {.start = verdict(m_program, none) ? kHolds : kFails};
 }
 
 bool BoundCondition::holds(const ReadingsView& readings) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "conditions/ConditionNode.hpp"
 #include "conditions/Program.hpp"
@@ -19,12 +20,15 @@ class VIGIL_KIT BoundCondition {
     BoundCondition(const ConditionNode& tree, const KeyTable& table);
 
     std::uint64_t tableId() const { return m_tableId; }
+    /// The slots that judging looks at, in rising order; what stands at the others makes no difference.
+    const std::vector<KeyTable::Slot>& slots() const { return m_slots; }
     /// Whether the condition holds. The view must be of the table that this was bound to.
     bool holds(const ReadingsView& readings) const;
 
   private:
     std::uint64_t m_tableId;
     Program m_program;
+    std::vector<KeyTable::Slot> m_slots;
 };
 
 }  // namespace vigil

@@ -173,5 +173,18 @@ TEST(BindingCache, ServesSeveralThreadsAtOnce) {
     EXPECT_EQ(held, std::vector<long>(4, kRounds));
 }
 
+TEST(BoundCondition, NamesTheSlotsThatItLooksAt) {
+    const auto table = KeyTable::make({"x", "a", "b", "t"});
+    const auto slots = [&table](const std::string& text) {
+        return BoundCondition(condition(text)->tree(), *table).slots();
+    };
+    using Slots = std::vector<KeyTable::Slot>;
+    EXPECT_EQ(slots("b.unitValue < 1 AND a.value > CAST(1, \"NSDate\") OR b.unitValue > 2"), (Slots{1, 2}));
+    EXPECT_EQ(slots("t.stringValue == \"1\" OR lacking.stringValue != \"1\""), (Slots{3}));
+    // It is passed by nothing, whatever stands at the slot that it is given.
+    EXPECT_EQ(slots("lacking.unitValue < 1"), (Slots{0}));
+    EXPECT_TRUE(BoundCondition(condition("a.unitValue < 1")->tree(), *KeyTable::make({})).slots().empty());
+}
+
 }  // namespace
 }  // namespace vigil

@@ -55,6 +55,12 @@ class VIGIL_KIT ConditionPredicate final : public Object {
         return evaluateWithObject(readings.view());
     }
 
+    /// The condition bound to a table, for whoever judges many batches of it: judging then takes no lock
+    /// either. Nothing where the condition is empty.
+    std::shared_ptr<const BoundCondition> binding(const KeyTable& table) const {
+        return m_bindings.binding(table);
+    }
+
     /// The canonical text; `predicateWithFormat` of it gives an equal condition.
     const std::string& printed() const { return m_printed; }
     /// Nothing in an empty condition, which comes only of the constructor.

@@ -32,21 +32,26 @@ struct TextTest {
     bool holds(const AgentProperty* const* bySlot) const;
 };
 
-enum class StepKind : std::uint8_t { AllUnitValues, AnyUnitValue, AllValues, AnyValue, Text, True, False };
+enum class StepKind : std::uint8_t { AllUnitValues, AnyUnitValue, AllValues, AnyValue, Text };
 
-/// "Do all these tests hold?", "does any?", "does this one?", and where to go on: at `target` when the answer
-/// is `jumpWhen`, else with the next step. True and False end the program.
+/// A place in a program: a step, or one of the two ends.
+using Place = std::uint32_t;
+inline constexpr Place kFails = ~Place{0} - 1;
+inline constexpr Place kHolds = ~Place{0};
+
+/// "Do all these tests hold?", "does any?", "does this one?", and where to go on for either answer.
 struct Step {
-    StepKind kind = StepKind::False;
-    bool jumpWhen = false;
-    std::uint32_t target = 0;
+    StepKind kind = StepKind::AllUnitValues;
     std::uint32_t first = 0;  ///< of the tests
     std::uint32_t end = 0;    ///< one past the last of them
+    Place whenTrue = kHolds;
+    Place whenFalse = kFails;
 };
 
-/// A condition over the slots of one table, to be run from the first step.
+/// A condition over the slots of one table.
 struct Program {
-    std::vector<Step> steps;
+    Place start = kFails;
+    std::vector<Step> steps{};
     std::vector<NumberTest> numbers{};
     std::vector<TextTest> texts{};
 };

@@ -41,21 +41,25 @@ std::shared_ptr<const Readings> Readings::make(std::vector<AgentProperty> entrie
     return make(KeyTable::make(std::move(keys)), std::move(entries));
 }
 
-const Readings::Printed& Readings::printed() const {
-    std::call_once(m_printOnce, [this] {
-        m_printed.ends.reserve(m_entries.size());
-        m_printed.text.reserve(m_entries.size() * 32);
-        for (const AgentProperty& entry : m_entries) {
-            (m_printed.text += entry.propertyName()) += " = ";
-            entry.appendUnitString(m_printed.text);
-            m_printed.ends.push_back(m_printed.text.size());
-        }
-    });
-    return m_printed;
+// Called under the lock. The view is valid until the next call.
+std::string_view Readings::printed(std::size_t entry) const {
+    Piece& piece = m_printedPieces[entry];
+    if (piece.end == 0) {
+        piece.begin = m_printedText.size();
+        (m_printedText += m_entries[entry].propertyName()) += " = ";
+        m_entries[entry].appendUnitString(m_printedText);
+        piece.end = m_printedText.size();
+    }
+    return std::string_view(m_printedText).substr(piece.begin, piece.end - piece.begin);
 }
 
 void Readings::appendDescription(std::string& to, const ReadingsView& judged) const {
-    const Printed& texts = printed();
+    constexpr std::size_t kUsualBytes = 32;
+    const std::lock_guard lock(m_printMutex);
+    if (m_printedPieces.empty()) {
+        m_printedPieces.resize(m_entries.size());
+        m_printedText.reserve(m_entries.size() * kUsualBytes);
+    }
     to += '{';
     bool first = true;
     for (std::size_t slot = 0; slot < m_table->size(); ++slot) {
@@ -63,9 +67,7 @@ void Readings::appendDescription(std::string& to, const ReadingsView& judged) co
         if (!entry) continue;
         if (!first) to += ", ";
         first = false;
-        const auto i = static_cast<std::size_t>(entry - m_entries.data());
-        const std::size_t begin = i == 0 ? 0 : texts.ends[i - 1];
-        to.append(texts.text, begin, texts.ends[i] - begin);
+        to += printed(static_cast<std::size_t>(entry - m_entries.data()));
     }
     to += '}';
 }

@@ -46,7 +46,7 @@ class VIGIL_KIT Readings final : public Object {
     const AgentProperty* objectForKey(std::string_view key) const { return view().find(key); }
 
     /// "{a = 1 °C, b = 2}" for the slots that `judged` holds, in the table's order. The text of a reading is
-    /// built once a batch, whoever asks. `judged` must be a view of this batch.
+    /// built once a batch, whoever asks first. `judged` must be a view of this batch.
     void appendDescription(std::string& to, const ReadingsView& judged) const;
 
     std::string className() const override;
@@ -54,19 +54,20 @@ class VIGIL_KIT Readings final : public Object {
 
   private:
     Readings() = default;
-    struct Printed {
-        std::string text;
-        std::vector<std::size_t> ends;  // of entry i
+    struct Piece {
+        std::size_t begin = 0;
+        std::size_t end = 0;  // 0 where the entry has not been printed yet
     };
-    const Printed& printed() const;
+    std::string_view printed(std::size_t entry) const;
 
     std::shared_ptr<const KeyTable> m_table;
     std::vector<AgentProperty> m_entries;
     std::vector<KeyTable::Slot> m_slots;
     std::vector<const AgentProperty*> m_bySlot;
     bool m_hasDuplicates = false;
-    mutable std::once_flag m_printOnce;
-    mutable Printed m_printed;
+    mutable std::mutex m_printMutex;
+    mutable std::string m_printedText;
+    mutable std::vector<Piece> m_printedPieces;  // of entry i; empty while nobody has asked
 };
 
 }  // namespace vigil

@@ -69,5 +69,23 @@ TEST(Readings, MayBePrintedByManyThreadsAtOnce) {
         thread.join();
 }
 
+// Each monitor's line holds other readings of the batch; a text printed for one serves the next.
+TEST(Readings, PrintAnyPartInAnyOrderOfAsking) {
+    const auto batch = Readings::make({reading("a", 1), reading("b", 2), reading("c", 3), reading("b", 4)});
+    const auto printed = [&batch](const std::vector<std::size_t>& entries) {
+        std::vector<const AgentProperty*> bySlot(batch->table()->size(), nullptr);
+        for (const std::size_t entry : entries)
+            bySlot[batch->slotOf(entry)] = &batch->entries()[entry];
+        std::string text;
+        batch->appendDescription(text, {batch->table().get(), bySlot.data()});
+        return text;
+    };
+    EXPECT_EQ(printed({2}), "{c = 3}");
+    EXPECT_EQ(printed({0, 1}), "{a = 1, b = 2}");
+    EXPECT_EQ(printed({}), "{}");
+    EXPECT_EQ(batch->description(), "{a = 1, b = 4, c = 3}");
+    EXPECT_EQ(printed({1, 2}), "{b = 2, c = 3}");
+}
+
 }  // namespace
 }  // namespace vigil

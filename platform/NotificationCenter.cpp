@@ -25,8 +25,8 @@ std::shared_ptr<const Object> Notification::userInfoForKey(std::string_view key)
 
 NotificationCenter::NotificationCenter(MainQueue& queue) : m_queue(queue) {}
 
-std::size_t NotificationCenter::KeyHash::operator()(const Key& key) const {
-    return std::hash<std::string>{}(key.first) * 31 + std::hash<const void*>{}(key.second);
+std::size_t NotificationCenter::KeyHash::operator()(const KeyView& key) const {
+    return std::hash<std::string_view>{}(key.first) * 31 + std::hash<const void*>{}(key.second);
 }
 
 // The lists are replaced whole and never changed, so that a post reads its own without a lock.
@@ -71,9 +71,9 @@ void NotificationCenter::removeObserver(const Object& observer, std::string_view
 }
 
 std::shared_ptr<const NotificationCenter::Entries> NotificationCenter::entriesFor(
-    const std::string& name, const Object* object) const {
+    std::string_view name, const Object* object) const {
     const std::lock_guard lock(m_mutex);
-    const auto found = m_observers.find(Key(name, object));
+    const auto found = m_observers.find(KeyView(name, object));
     return found == m_observers.end() ? nullptr : found->second;
 }
 
@@ -114,7 +114,7 @@ void NotificationCenter::release(std::shared_ptr<Object> observer) {
 
 std::size_t NotificationCenter::observerCount(std::string_view name,
                                               const std::shared_ptr<const Object>& object) const {
-    const auto entries = entriesFor(std::string(name), object.get());
+    const auto entries = entriesFor(name, object.get());
     if (!entries) return 0;
     return static_cast<std::size_t>(std::count_if(entries->begin(), entries->end(), [&](const auto& entry) {
         return !entry->removed && !entry->observer.expired() && sameOwner(entry->object, object);

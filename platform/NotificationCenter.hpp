@@ -81,18 +81,25 @@ class VIGIL_KIT NotificationCenter {
     };
     using Entries = std::vector<std::shared_ptr<Entry>>;
     using Key = std::pair<std::string, const Object*>;
+    using KeyView = std::pair<std::string_view, const Object*>;
     struct KeyHash {
-        std::size_t operator()(const Key& key) const;
+        using is_transparent = void;
+        std::size_t operator()(const KeyView& key) const;
+        std::size_t operator()(const Key& key) const { return (*this)(KeyView(key)); }
+    };
+    struct KeyEqual {
+        using is_transparent = void;
+        bool operator()(const KeyView& a, const KeyView& b) const { return a == b; }
     };
 
-    std::shared_ptr<const Entries> entriesFor(const std::string& name, const Object* object) const;
+    std::shared_ptr<const Entries> entriesFor(std::string_view name, const Object* object) const;
     void replace(const Key& key, const std::function<bool(const Entry&)>& drops,
                  std::shared_ptr<Entry> added);
     void release(std::shared_ptr<Object> observer);
 
     MainQueue& m_queue;
     mutable std::mutex m_mutex;
-    std::unordered_map<Key, std::shared_ptr<const Entries>, KeyHash> m_observers;
+    std::unordered_map<Key, std::shared_ptr<const Entries>, KeyHash, KeyEqual> m_observers;
 };
 
 }  // namespace vigil

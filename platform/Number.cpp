@@ -47,9 +47,39 @@ void appendUnrolled(std::string& to, std::string_view text) {
     to.append(static_cast<std::size_t>(places - digits), '0');
 }
 
+// Recorded numbers have few decimals. A decimal of at most 15 digits that reads back as the number is the
+// shortest one: no two of them read as the same double. Answers false for numbers that are no such decimal.
+bool appendDecimal(std::string& to, double value) {
+    constexpr int kDecimals = 4;
+    constexpr std::int64_t kScale = 10000;
+    constexpr double kMostScaled = 1e15;
+    const double size = std::abs(value);
+    const double scaled = size * static_cast<double>(kScale);
+    if (!(scaled < kMostScaled)) return false;
+    const auto nearest = static_cast<std::int64_t>(scaled + 0.5);
+    // Zero is left to the other way, which knows its sign.
+    if (nearest == 0 || static_cast<double>(nearest) / static_cast<double>(kScale) != size) return false;
+
+    char text[32];
+    char* at = text;
+    if (value < 0) *at++ = '-';
+    at = std::to_chars(at, text + sizeof text, nearest / kScale).ptr;
+    if (auto rest = nearest % kScale) {
+        *at++ = '.';
+        for (int i = kDecimals; i-- > 0; rest /= 10)
+            at[i] = static_cast<char>('0' + rest % 10);
+        at += kDecimals;
+        while (at[-1] == '0')
+            --at;
+    }
+    to.append(text, at);
+    return true;
+}
+
 }  // namespace
 
 void appendNumber(std::string& to, double value) {
+    if (appendDecimal(to, value)) return;
     if (std::isnan(value)) {
         to += "NaN";
         return;

@@ -107,5 +107,35 @@ TEST(Number, FloatValueGoesThroughSinglePrecisionAndOverflowsToInfinity) {
     EXPECT_TRUE(std::isnan(Number(kNaN).floatValue()));
 }
 
+// The quick way for numbers of few decimals against the library's shortest form.
+TEST(NumberText, IsTheShortestFormForEveryDecimal) {
+    const auto shortest = [](double value) {
+        char text[64];
+        return std::string(text,
+                           std::to_chars(text, text + sizeof text, value, std::chars_format::fixed).ptr);
+    };
+    std::mt19937_64 random(1);
+    const auto expectShortest = [&](double value) {
+        if (value < 1e-5) return;  // printed with an exponent
+        EXPECT_EQ(numberText(value), shortest(value));
+        EXPECT_EQ(numberText(-value), shortest(-value));
+    };
+    for (const double scale : {1.0, 10.0, 100.0, 1000.0, 10000.0, 100000.0, 1048576.0}) {
+        for (int i = 1; i < 3000; ++i)
+            expectShortest(i / scale);
+        for (int digits = 1; digits <= 17; ++digits)
+            for (int i = 0; i < 200; ++i) {
+                const auto whole =
+                    static_cast<double>(random() % static_cast<std::uint64_t>(std::pow(10, digits)));
+                const double value = whole / scale;
+                if (value >= 9e15) continue;  // whole numbers above have tests of their own
+                expectShortest(value);
+                expectShortest(std::nextafter(value, 0));
+                expectShortest(std::nextafter(value, 9e15));
+            }
+        if (HasFailure()) return;
+    }
+}
+
 }  // namespace
 }  // namespace vigil

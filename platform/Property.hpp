@@ -1,16 +1,21 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <utility>
 #include <vector>
 
+#include "platform/SharedValue.hpp"
+
 namespace vigil {
 
 /// A value that may be read and set from several threads at once, with observers that hear of every set, on
-/// the setting thread and outside the lock, also when the value stays equal. A mutex and a value: an atomic
-/// shared pointer would be reported as a race by thread sanitizer with the standard library in use.
+/// the setting thread and outside the lock, also when the value stays equal. Reading plain bytes takes no
+/// lock; for the rest it is a mutex and a value: an atomic shared pointer would be reported as a race by
+/// thread sanitizer with the standard library in use.
 template <class T>
 class Property {
   public:
@@ -22,20 +27,18 @@ class Property {
     Property(const Property&) = delete;
     Property& operator=(const Property&) = delete;
 
-    T get() const {
-        const std::lock_guard lock(m_mutex);
-        return m_value;
-    }
+    T get() const { return m_value.get(); }
 
     void set(T value) {
-        std::shared_ptr<const Observers> observers;
-        {
-            const std::lock_guard lock(m_mutex);
-            std::swap(m_value, value);
-            observers = m_observers;
-        }
-        if (observers) tell(*observers);
+        // The value before ends here, outside the lock and before anybody is told.
+        static_cast<void>(m_value.exchange(std::move(value)));
+        m_generation.fetch_add(1, std::memory_order_release);
+        notify();
     }
+
+    /// Another number after every set, so that who keeps a copy knows when to renew it. Read it before the
+    /// value: the value is then at least as new.
+    std::uint64_t generation() const { return m_generation.load(std::memory_order_acquire); }
 
     /// The observer is called after every set for as long as the token lives.
     [[nodiscard]] Token observe(Observer observer) {
@@ -48,17 +51,19 @@ class Property {
         }
         next->push_back(kept);
         m_observers = std::move(next);
+        m_observed = true;
         return kept;
     }
 
     /// Calls the observers as `set` does, for a value whose text is built elsewhere.
     void notify() {
+        if (!m_observed) return;
         std::shared_ptr<const Observers> observers;
         {
             const std::lock_guard lock(m_mutex);
             observers = m_observers;
         }
-        if (observers) tell(*observers);
+        tell(*observers);
     }
 
   private:
@@ -69,9 +74,32 @@ class Property {
             if (const auto observer = weak.lock()) (*observer)();
     }
 
+    SharedValue<T> m_value;
+    std::atomic<std::uint64_t> m_generation{0};
+    std::atomic<bool> m_observed{false};  // never again false: most properties have no observer at all
     mutable std::mutex m_mutex;
-    T m_value{};
     std::shared_ptr<const Observers> m_observers;
+};
+
+/// A copy of a property's value that is renewed only when the property has been set since. One thread at a
+/// time.
+template <class T>
+class Remembered {
+  public:
+    /// Valid until the next call.
+    const T& of(const Property<T>& property) {
+        const std::uint64_t generation = property.generation();
+        if (m_fresh && generation == m_generation) return m_value;
+        m_value = property.get();
+        m_generation = generation;
+        m_fresh = true;
+        return m_value;
+    }
+
+  private:
+    T m_value{};
+    std::uint64_t m_generation = 0;
+    bool m_fresh = false;
 };
 
 }  // namespace vigil

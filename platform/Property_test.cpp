@@ -1,10 +1,15 @@
 #include "platform/Property.hpp"
 
 #include <atomic>
+#include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
+
+#include "platform/Date.hpp"
+#include "platform/Number.hpp"
 
 namespace vigil {
 namespace {
@@ -58,6 +63,57 @@ TEST(Property, ReadersNeverSeeAValueHalfSet) {
         property.set(std::string(64, i % 2 ? 'a' : 'b'));
     ended = true;
     reader.join();
+}
+
+// The two dates of a pair are set together, so a reader must never see them differ.
+TEST(Property, ReadersOfPlainBytesNeverSeeAValueHalfSet) {
+    struct Pair {
+        double first = 0;
+        double second = 0;
+    };
+    Property<std::optional<Pair>> property;
+    std::atomic<bool> ended{false};
+    long seen = 0;
+    std::thread reader([&] {
+        double last = 0;
+        while (!ended || seen == 0) {
+            const auto pair = property.get();
+            if (!pair) continue;
+            ++seen;
+            ASSERT_EQ(pair->first, pair->second);
+            ASSERT_GE(pair->first, last) << "an older value came back";
+            last = pair->first;
+        }
+    });
+    for (int i = 1; i <= 20000; ++i)
+        property.set(i % 7 == 0 ? std::nullopt : std::optional(Pair{double(i), double(i)}));
+    property.set(Pair{20001, 20001});
+    ended = true;
+    reader.join();
+    EXPECT_GT(seen, 0);
+}
+
+TEST(Property, GivesBackPlainValuesBitByBit) {
+    EXPECT_EQ(Property<std::optional<Date>>().get(), std::nullopt);
+    EXPECT_EQ(Property<std::optional<Date>>(Date(-0.5)).get(), Date(-0.5));
+    EXPECT_EQ(Property<std::optional<Number>>(Number(7)).get(), Number(7));
+    EXPECT_EQ(Property<std::optional<Number>>(Number(7.0)).get(), Number(7.0));
+    EXPECT_TRUE(Property<bool>(true).get());
+    Property<std::optional<bool>> flag;
+    EXPECT_EQ(flag.get(), std::nullopt);
+    flag.set(false);
+    EXPECT_EQ(flag.get(), false);
+}
+
+TEST(Property, ARememberedValueIsRenewedAfterEverySet) {
+    Property<std::shared_ptr<int>> property(std::make_shared<int>(1));
+    Remembered<std::shared_ptr<int>> remembered;
+    EXPECT_EQ(*remembered.of(property), 1);
+    EXPECT_EQ(remembered.of(property), property.get());
+    property.set(std::make_shared<int>(2));
+    EXPECT_EQ(*remembered.of(property), 2);
+    property.set(nullptr);
+    EXPECT_EQ(remembered.of(property), nullptr);
 }
 
 }  // namespace

@@ -17,6 +17,10 @@ class ChangedReadings {
     /// no time there. Of two readings with one key the later one that passes wins; one left out removes none.
     ReadingsView select(const Readings& batch, const std::optional<EvaluationDictionary>& snapshot);
 
+    /// The same for some slots alone. What the view holds at any other one means nothing.
+    ReadingsView select(const Readings& batch, const std::optional<EvaluationDictionary>& snapshot,
+                        const std::vector<KeyTable::Slot>& slots);
+
   private:
     std::vector<const AgentProperty*> m_bySlot;
 };

@@ -15,7 +15,9 @@ constexpr std::string_view kIdleStatus = "Check Activate to start.";
 QRVVigilPlugIn::QRVVigilPlugIn() = default;
 
 // The notification centre holds observers weakly, so nothing is removed there.
-QRVVigilPlugIn::~QRVVigilPlugIn() = default;
+QRVVigilPlugIn::~QRVVigilPlugIn() {
+    delete m_scratch.load();
+}
 
 std::string QRVVigilPlugIn::className() const {
     return "QRVVigilPlugIn";

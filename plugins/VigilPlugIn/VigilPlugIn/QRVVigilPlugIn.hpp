@@ -1,8 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,6 +20,7 @@
 namespace vigil {
 
 class AudioPlayer;
+class BoundCondition;
 class Button;
 class PredicateEditor;
 class PredicateEditorRowTemplate;
@@ -189,6 +190,7 @@ class QRVVigilPlugIn : public QRVPlugIn,
     HostWorld* world() const;
     bool connectPredicateEditor(const std::shared_ptr<Object>& object);
     bool judge(HostWorld& world, const Readings& batch, CycleScratch& scratch, ReadingsView& judged) const;
+    const BoundCondition* condition(const Readings& batch, CycleScratch& scratch) const;
     void fire(HostWorld& world);
     std::unique_ptr<CycleScratch> takeScratch();
     void giveBack(std::unique_ptr<CycleScratch> scratch);
@@ -215,8 +217,7 @@ class QRVVigilPlugIn : public QRVPlugIn,
     Property<std::optional<Date>> m_startTime;
 
     std::shared_ptr<CycleObserver> m_cycleObserver;
-    std::mutex m_scratchMutex;
-    std::unique_ptr<CycleScratch> m_scratch;  // absent while a cycle uses it
+    std::atomic<CycleScratch*> m_scratch{nullptr};  // owned; absent while a cycle uses it
 };
 
 }  // namespace vigil

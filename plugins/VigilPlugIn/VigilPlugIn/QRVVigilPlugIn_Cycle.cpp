@@ -1,3 +1,6 @@
+#include <typeinfo>
+#include <utility>
+
 #include "host_contract/QRVKit.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/CycleScratch.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
@@ -11,9 +14,17 @@ namespace {
 constexpr int kLogLevel = 3;
 constexpr std::string_view kNotTriggered = "The conditions have NOT triggered an alert yet.";
 
+// The notification's batch; an empty one where it has none. Compared by type and not cast dynamically, since
+// nothing derives from a batch.
 std::shared_ptr<const Readings> readingsOf(const Notification& notification) {
-    auto data = std::dynamic_pointer_cast<const Readings>(notification.userInfoForKey(kDataKey));
-    return data ? data : EvaluationDictionary().readings();
+    for (const auto& [key, object] : notification.userInfo) {
+        if (key != kDataKey) continue;
+        const Object* const held = object.get();
+        if (held && typeid(*held) == typeid(Readings))
+            return std::static_pointer_cast<const Readings>(object);
+        break;
+    }
+    return EvaluationDictionary().readings();
 }
 
 }  // namespace
@@ -27,7 +38,7 @@ void QRVVigilPlugIn::dataChanged(const Notification& notification) {
         if (m_cycleObserver) m_cycleObserver->cycleEnded(*this, report);
         return;
     }
-    const auto batch = readingsOf(notification);
+    auto batch = readingsOf(notification);
     auto scratch = takeScratch();
     report.readings = batch.get();
     if (judge(*host, *batch, *scratch, report.judged)) {
@@ -47,16 +58,39 @@ void QRVVigilPlugIn::dataChanged(const Notification& notification) {
 
 bool QRVVigilPlugIn::judge(HostWorld& world, const Readings& batch, CycleScratch& scratch,
                            ReadingsView& judged) const {
-    judged = triggerOnlyOnChange() ? scratch.changed.select(batch, lastEvaluationDictionary()) : batch.view();
     QRVLog& log = QRVLog::sharedLog(world);
-    if (log.takesLevel(kLogLevel)) {
+    const bool logged = log.takesLevel(kLogLevel);
+    const bool onlyOnChange = triggerOnlyOnChange();
+    const BoundCondition* bound = nullptr;
+    if (!onlyOnChange) {
+        judged = batch.view();
+    } else if (logged || m_cycleObserver) {
+        judged = scratch.changed.select(batch, lastEvaluationDictionary());
+    } else {
+        // Nobody sees the others.
+        bound = condition(batch, scratch);
+        if (!bound) return false;
+        judged = scratch.changed.select(batch, lastEvaluationDictionary(), bound->slots());
+    }
+    if (logged) {
         scratch.line.assign("Vigil evaluation dictionary: ");
         batch.appendDescription(scratch.line, judged);
         (scratch.line += " #") += className();
         log.logLevel(kLogLevel, scratch.line);
     }
-    const auto condition = predicate();
-    return condition && condition->evaluateWithObject(judged);
+    if (!bound) bound = condition(batch, scratch);
+    return bound && bound->holds(judged);
+}
+
+// Valid until the next call; nothing where the monitor has no condition.
+const BoundCondition* QRVVigilPlugIn::condition(const Readings& batch, CycleScratch& scratch) const {
+    const KeyTable& table = *batch.table();
+    const auto& predicate = scratch.predicate.of(m_predicate);
+    if (predicate != scratch.bound || !scratch.binding || scratch.binding->tableId() != table.id()) {
+        scratch.bound = predicate;
+        scratch.binding = predicate ? predicate->binding(table) : nullptr;
+    }
+    return scratch.binding.get();
 }
 
 void QRVVigilPlugIn::fire(HostWorld& world) {
@@ -73,13 +107,12 @@ void QRVVigilPlugIn::fire(HostWorld& world) {
 // A cycle can begin inside another one of the same monitor (an action that lets the main loop turn), so the
 // memory is taken while it is in use and a second cycle makes its own.
 std::unique_ptr<CycleScratch> QRVVigilPlugIn::takeScratch() {
-    const std::lock_guard lock(m_scratchMutex);
-    return m_scratch ? std::move(m_scratch) : std::make_unique<CycleScratch>();
+    std::unique_ptr<CycleScratch> scratch(m_scratch.exchange(nullptr));
+    return scratch ? std::move(scratch) : std::make_unique<CycleScratch>();
 }
 
 void QRVVigilPlugIn::giveBack(std::unique_ptr<CycleScratch> scratch) {
-    const std::lock_guard lock(m_scratchMutex);
-    m_scratch = std::move(scratch);
+    delete m_scratch.exchange(scratch.release());
 }
 
 }  // namespace vigil
