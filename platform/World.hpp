@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/AutomationScripts.hpp"
 #include "platform/Collation.hpp"
 #include "platform/Date.hpp"
 #include "platform/Export.hpp"
@@ -7,6 +8,8 @@
 #include "platform/InterfaceFiles.hpp"
 #include "platform/MainQueue.hpp"
 #include "platform/NotificationCenter.hpp"
+#include "platform/Sound.hpp"
+#include "platform/Speech.hpp"
 
 namespace vigil {
 
@@ -36,6 +39,9 @@ class VIGIL_KIT World {
     virtual RunLoop& currentRunLoop() = 0;
     /// Main thread.
     virtual InterfaceFiles& interfaceFiles() = 0;
+    virtual SpeechOutput& speech() = 0;
+    virtual SoundOutput& sound() = 0;
+    virtual AutomationScripts& automationScripts() = 0;
 
     /// The world that the host has opened around the call into a plug-in that runs on this thread; nothing
     /// outside such a call. For code that has no agent to ask.

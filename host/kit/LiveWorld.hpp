@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 
+#include "host/kit/UnavailableServices.hpp"
 #include "host/services/Mailbox.hpp"
 #include "host/services/MainRunLoop.hpp"
 #include "host/services/SystemCollation.hpp"
@@ -33,6 +34,9 @@ class LiveWorld : public HostWorld {
     const Collation& collation() override { return m_collation; }
     RunLoop& currentRunLoop() override;
     InterfaceFiles& interfaceFiles() override { return m_interfaceFiles; }
+    SpeechOutput& speech() override { return m_speech; }
+    SoundOutput& sound() override { return m_sound; }
+    AutomationScripts& automationScripts() override { return m_automationScripts; }
     QRVLog& log() override { return m_log; }
     std::string scriptsFolder() override { return m_scriptsFolder; }
     PlugInHost& plugInHost() override { return m_plugInHost; }
@@ -48,6 +52,9 @@ class LiveWorld : public HostWorld {
     SystemCollation m_collation;
     MainRunLoop m_mainLoop;
     SleepingRunLoop m_sleepingLoop;
+    UnavailableSpeech m_speech{m_log};
+    UnavailableSound m_sound{m_log};
+    UnavailableAutomationScripts m_automationScripts{m_log};
     PlugInHost m_plugInHost;
 };
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "host/kit/RecordedEffects.hpp"
 #include "host/services/SystemCollation.hpp"
 #include "host/services/SystemFiles.hpp"
 #include "host_contract/HostWorld.hpp"
@@ -24,6 +25,9 @@ class ReplayWorld : public HostWorld {
     /// Sets the clock, backwards too, and then runs what has been posted.
     void turnTo(Date date);
 
+    /// What would have been spoken, played and automated.
+    RecordedEffects& effects() { return m_effects; }
+
     Date now() override { return m_now; }
     LocalTime localTime(Date date) override { return m_zone(date); }
     MainQueue& mainQueue() override { return m_queue; }
@@ -32,6 +36,9 @@ class ReplayWorld : public HostWorld {
     const Collation& collation() override { return m_collation; }
     RunLoop& currentRunLoop() override { return m_runLoop; }
     InterfaceFiles& interfaceFiles() override { return m_interfaceFiles; }
+    SpeechOutput& speech() override { return m_effects; }
+    SoundOutput& sound() override { return m_effects; }
+    AutomationScripts& automationScripts() override { return m_effects; }
     QRVLog& log() override { return m_log; }
     std::string scriptsFolder() override { return m_scriptsFolder; }
     PlugInHost& plugInHost() override { return m_plugInHost; }
@@ -69,6 +76,7 @@ class ReplayWorld : public HostWorld {
     SystemFiles m_files;
     SystemCollation m_collation;
     Loop m_runLoop{*this};
+    RecordedEffects m_effects{*this};
     PlugInHost m_plugInHost;
 };
 

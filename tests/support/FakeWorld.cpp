@@ -50,7 +50,9 @@ std::optional<std::vector<std::shared_ptr<Object>>> FakeInterfaceFiles::instanti
 void FakeRunLoop::runUntil(Date date) {
     runs.push_back(date);
     if (onRun) onRun(date);
-    if (m_world.mainQueue().runPosted() == 0 && m_world.now() < date) m_world.setNow(date);
+    if (m_world.mainQueue().runPosted() > 0) return;
+    if (m_world.now() < date) m_world.setNow(date);
+    m_world.speech().endWhatIsDue();
 }
 
 FakeWorld::FakeWorld(FakeMainQueue::Form queue) : m_queue(queue) {}

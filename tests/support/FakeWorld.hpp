@@ -9,7 +9,10 @@
 #include <vector>
 
 #include "host_contract/HostWorld.hpp"
+#include "tests/support/FakeAutomationScripts.hpp"
 #include "tests/support/FakeMainQueue.hpp"
+#include "tests/support/FakeSound.hpp"
+#include "tests/support/FakeSpeech.hpp"
 #include "tests/support/MemoryFiles.hpp"
 #include "tests/support/PlainCollation.hpp"
 #include "tests/support/RecordingLog.hpp"
@@ -57,8 +60,8 @@ class FakeInterfaceFiles : public InterfaceFiles {
     std::vector<std::string> m_asked;
 };
 
-/// A run loop that does not wait: it sets the clock to the date, once it has nothing posted to run. Any
-/// thread.
+/// A run loop that does not wait: it sets the clock to the date, once it has nothing posted to run, and lets
+/// speech end that is due by then. Any thread.
 class FakeWorld;
 class FakeRunLoop : public RunLoop {
   public:
@@ -87,6 +90,9 @@ class FakeWorld : public HostWorld {
     const PlainCollation& collation() override { return m_collation; }
     FakeRunLoop& currentRunLoop() override { return m_runLoop; }
     FakeInterfaceFiles& interfaceFiles() override { return m_interfaceFiles; }
+    FakeSpeech& speech() override { return m_speech; }
+    FakeSound& sound() override { return m_sound; }
+    FakeAutomationScripts& automationScripts() override { return m_automationScripts; }
     RecordingLog& log() override { return m_log; }
     std::string scriptsFolder() override { return m_scriptsFolder; }
     FakePlugInHost& plugInHost() override { return m_plugInHost; }
@@ -96,6 +102,9 @@ class FakeWorld : public HostWorld {
     /// Seconds east of UTC.
     void setZone(int seconds) { m_zone = seconds; }
     void setScriptsFolder(std::string folder) { m_scriptsFolder = std::move(folder); }
+
+    /// What was spoken, played and automated, in the order in which it happened: "speak hello".
+    std::vector<std::string> effects() const { return m_journal.entries(); }
 
     /// How often the clock was read.
     int clockReads() const;
@@ -112,6 +121,10 @@ class FakeWorld : public HostWorld {
     PlainCollation m_collation;
     FakeRunLoop m_runLoop{*this};
     FakeInterfaceFiles m_interfaceFiles;
+    EffectJournal m_journal;
+    FakeSpeech m_speech{*this, m_journal};
+    FakeSound m_sound{m_journal};
+    FakeAutomationScripts m_automationScripts{m_journal};
     RecordingLog m_log;
     FakePlugInHost m_plugInHost;
 };
