@@ -4,6 +4,7 @@
 #include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Display.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/ModuleClasses.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
+#include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilToolbarPlugIn.hpp"
 
 namespace vigil {
 namespace {
@@ -18,6 +19,7 @@ std::shared_ptr<Object> make() {
 const std::vector<ModuleClass>& moduleClasses() {
     static const std::vector<ModuleClass> classes = {
         {"QRVVigilPlugIn", &make<QRVVigilPlugIn>},
+        {"QRVVigilToolbarPlugIn", &make<QRVVigilToolbarPlugIn>},
         {"Criterion", &make<Criterion>},
         {"SeparatorCriterion", &make<SeparatorCriterion>},
         {"TextFieldCriterion", &make<TextFieldCriterion>},

@@ -175,6 +175,20 @@ class QRVVigilPlugIn : public QRVPlugIn,
     std::shared_ptr<Button> activateButton() const { return m_activateButton.get(); }
     void setActivateButton(std::shared_ptr<Button> button) { m_activateButton.set(std::move(button)); }
 
+    // Identity, as the host lists and shows it.
+    std::string name() const override;
+    std::string textDescription() const override;
+    /// A table: the module's version, the description, whether the monitor is active. Texts are not escaped.
+    std::string htmlDescription() const override;
+    /// Empty, not absent.
+    std::optional<std::string> xmlDescription() const override;
+    std::optional<std::string> jsonDescription() const override;
+    std::shared_ptr<Image> icon() const override;
+    std::optional<std::string> group() const override;
+    bool isUndockable() const override;
+    bool isRenamable() const override;
+    bool isDeletable() const override;
+
     InterfaceOwner* interfaceOwner() override { return this; }
     const InterfaceTable& interfaceTable() const override;
     CycleReporting* cycleReporting() override { return this; }
