@@ -120,17 +120,17 @@ TEST_F(ExplainCommand, answersBatchesInTheOrderOfTheReadings) {
         "\n"
         R"({"condition":"wg.unitValue > 25","properties":[{"propertyName":"wg","name":"Wg","unitValue":30},{"propertyName":"w","name":"W","unitValue":1}]})"
         "\n"
-        R"({"condition":"P.unitValue > 25 AND (Q.unitValue > 1 OR Q.unitValue < 0)","properties":[{"propertyName":"P","unitValue":30},{"propertyName":"Q","unitValue":30}]})"
+        R"j({"condition":"P.unitValue > 25 AND (Q.unitValue > 1 OR Q.unitValue < 0)","properties":[{"propertyName":"P","unitValue":30},{"propertyName":"Q","unitValue":30}]})j"
         "\n");
-EXPECT_EQ(outcome.errors, "");
-EXPECT_EQ(outcome.status, ExitStatus::Yes);
-EXPECT_EQ(outcome.results,
-          "{\"status\":\"Alert was caused by Wind that is now 30 kt.\",\"failure\":null}\n"
-          "{\"status\":\"Alert was caused by .\",\"failure\":null}\n"
-          "{\"status\":\"Alert was caused by .\",\"failure\":null}\n"
-          "{\"status\":\"Alert was caused by W that is now 1\",\"failure\":\"range\"}\n"
-          "{\"status\":\"Alert was caused by Wg that is now 30\",\"failure\":\"range\"}\n"
-          "{\"status\":\"Alert was caused by \",\"failure\":\"parse\"}\n");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, ExitStatus::Yes);
+    EXPECT_EQ(outcome.results,
+              "{\"status\":\"Alert was caused by Wind that is now 30 kt.\",\"failure\":null}\n"
+              "{\"status\":\"Alert was caused by .\",\"failure\":null}\n"
+              "{\"status\":\"Alert was caused by .\",\"failure\":null}\n"
+              "{\"status\":\"Alert was caused by W that is now 1\",\"failure\":\"range\"}\n"
+              "{\"status\":\"Alert was caused by Wg that is now 30\",\"failure\":\"range\"}\n"
+              "{\"status\":\"Alert was caused by \",\"failure\":\"parse\"}\n");
 }
 
 TEST_F(ExplainCommand, aBatchLineThatIsNoneIsToldAndAnswered) {
