@@ -102,6 +102,9 @@ class QRVVigilPlugIn : public QRVPlugIn,
     /// Runs every stored row, top to bottom, through the node at its head. Throws std::out_of_range for a row
     /// without a node or without display values; the rows behind it then do not run.
     void performActions();
+    /// Plays and speaks the rows of the rule editor that play or speak, top to bottom, and leaves all others
+    /// alone. (Keyword form: testSound:)
+    void testSound(Object* sender);
 
     /// "" for 1, "s" for every other count. (Keyword form: getPlural:)
     static std::string getPlural(std::int32_t count);

@@ -103,6 +103,7 @@ InterfaceTable QRVVigilPlugIn::makeInterfaceTable() {
          [](Owner& o, Object* sender) { monitor(o).activateButtonClicked(sender); }},
         {"determineWhatPartOfPredicateCauseAlert",
          [](Owner& o, Object*) { monitor(o).determineWhatPartOfPredicateCauseAlert(); }},
+        {"testSound:", [](Owner& o, Object* sender) { monitor(o).testSound(sender); }},
     };
     table.outlets = {
         {"predicateEditor",
