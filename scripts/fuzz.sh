@@ -6,14 +6,14 @@ FUZZ_SECONDS="${VIGIL_FUZZ_SECONDS:-60}"
 FUZZ_INPUT_SECONDS=10
 FUZZ_MEGABYTES=2048
 
-# run_fuzzers: seeds are fuzz/corpus/NAME; what is learnt and what breaks stays under build/fuzz.
+# run_fuzzers: seeds are made from the vectors by the build; what is learnt and what breaks stays under build/fuzz.
 run_fuzzers() {
     local program name seeds dictionary count=0
     for program in "$VIGIL_ROOT"/build/fuzz/fuzz/*_fuzz; do
         [[ -x $program ]] || continue
         count=$((count + 1))
         name="$(basename "$program" _fuzz)"
-        seeds="$VIGIL_ROOT/fuzz/corpus/$name"
+        seeds="$VIGIL_ROOT/build/fuzz/fuzz/corpus/$name"
         dictionary="$VIGIL_ROOT/fuzz/$name.dict"
         local -a words=("$program" "-max_total_time=$FUZZ_SECONDS" "-timeout=$FUZZ_INPUT_SECONDS"
             "-rss_limit_mb=$FUZZ_MEGABYTES" "-print_final_stats=1" "-verbosity=0"

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "host/kit/InterfaceFile_Binding.hpp"
+#include "host/kit/InterfaceFile_Controls.hpp"
 #include "host/kit/InterfaceFile_Widgets.hpp"
 #include "platform/InterfaceOwner.hpp"
 #include "platform/World.hpp"
@@ -46,9 +47,9 @@ Result<Objects> objectsFor(const std::vector<InterfaceWidget>& widgets, Interfac
         }
         objects[i] = makeControl(widget);
         if (!objects[i] || !owner || !widget.bind) continue;
-        objects[i] = boundControl(objects[i], *owner, *owner->propertyNamed(*widget.bind), queue);
-        if (!objects[i])
-            return Error{"widget \"" + widget.name + "\": the property \"" + *widget.bind + "\" is no text"};
+        auto bound = boundControl(objects[i], *owner, *owner->propertyNamed(*widget.bind), queue);
+        if (!bound) return Error{"widget \"" + widget.name + "\": " + bound.error().message};
+        objects[i] = std::move(bound.value());
     }
     return objects;
 }

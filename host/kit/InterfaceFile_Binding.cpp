@@ -2,9 +2,11 @@
 
 #include <functional>
 #include <optional>
+#include <string>
+#include <utility>
 
+#include "host/kit/InterfaceFile_Controls.hpp"
 #include "host_contract/QRVPlugIn.hpp"
-#include "platform/Controls.hpp"
 
 namespace vigil {
 namespace {
@@ -12,32 +14,25 @@ namespace {
 using Token = std::shared_ptr<const void>;
 
 /// The owner's side of a binding. A plug-in may die before the control; any other owner does not.
-class BoundText {
+class BoundProperty {
   public:
-    BoundText(InterfaceOwner& owner, const InterfaceProperty& property)
+    BoundProperty(InterfaceOwner& owner, const InterfaceProperty& property)
         : m_owner(owner), m_property(property) {
         auto* const plugIn = dynamic_cast<QRVPlugIn*>(&owner);
         m_isPlugIn = plugIn != nullptr;
         if (plugIn) m_plugIn = plugIn->weak_from_this();
     }
 
-    bool holdsTextOrNothing() const {
-        const Value value = m_property.get(m_owner);
-        return value.isNothing() || value.as<std::string>();
-    }
-
-    /// Nothing when the owner is gone.
-    std::optional<std::string> text() const {
+    /// Nothing at all (not a value of nothing) when the owner is gone.
+    std::optional<Value> value() const {
         const auto kept = m_plugIn.lock();
         if (m_isPlugIn && !kept) return std::nullopt;
-        const Value value = m_property.get(m_owner);
-        const auto* text = value.as<std::string>();
-        return text ? *text : std::string();
+        return m_property.get(m_owner);
     }
 
-    void set(const std::string& text) const {
+    void set(const Value& value) const {
         const auto kept = m_plugIn.lock();
-        if (m_property.set && (!m_isPlugIn || kept)) m_property.set(m_owner, Value(text));
+        if (m_property.set && (!m_isPlugIn || kept)) m_property.set(m_owner, value);
     }
 
     Token observe(std::function<void()> call) const {
@@ -51,27 +46,6 @@ class BoundText {
     std::weak_ptr<QRVPlugIn> m_plugIn;
 };
 
-std::string shownBy(const Object& control) {
-    if (const auto* field = dynamic_cast<const TextField*>(&control)) return field->stringValue();
-    if (const auto* popUp = dynamic_cast<const PopUpButton*>(&control))
-        return popUp->titleOfSelectedItem().value_or("");
-    return {};
-}
-
-void show(Object& control, const std::string& text) {
-    if (shownBy(control) == text) return;
-    if (auto* field = dynamic_cast<TextField*>(&control)) field->setStringValue(text);
-    if (auto* popUp = dynamic_cast<PopUpButton*>(&control)) popUp->selectItemWithTitle(text);
-}
-
-Token observe(Object& control, std::function<void()> call) {
-    if (auto* field = dynamic_cast<TextField*>(&control))
-        return field->stringValueProperty().observe(std::move(call));
-    if (auto* popUp = dynamic_cast<PopUpButton*>(&control))
-        return popUp->selectionProperty().observe(std::move(call));
-    return nullptr;
-}
-
 /// What whoever holds the control holds with it.
 struct Bound {
     std::shared_ptr<Object> control;
@@ -79,49 +53,50 @@ struct Bound {
     Token fromControl;
 };
 
-}  // namespace
-
-std::shared_ptr<Object> makeControl(const InterfaceWidget& widget) {
-    if (widget.kind == "QLineEdit") return std::make_shared<TextField>(widget.text);
-    if (widget.kind != "QComboBox") return nullptr;
-    auto popUp = std::make_shared<PopUpButton>();
-    for (const std::string& title : widget.items)
-        popUp->addItemWithTitle(title);
-    if (!widget.currentIndex) return popUp;
-    const auto index = static_cast<std::size_t>(*widget.currentIndex);
-    // An index of no item, -1 among them, selects nothing; so does a title that no item bears.
-    popUp->selectItemWithTitle(index < widget.items.size() ? widget.items[index] : std::string());
-    return popUp;
+/// Of the kinds that controls show.
+bool same(const Value& a, const Value& b) {
+    if (a.index() != b.index()) return false;
+    if (const auto* text = a.as<std::string>()) return *text == *b.as<std::string>();
+    if (const auto* flag = a.as<bool>()) return *flag == *b.as<bool>();
+    if (const auto* object = a.as<std::shared_ptr<Object>>())
+        return *object == *b.as<std::shared_ptr<Object>>();
+    return a.isNothing();
 }
 
-std::shared_ptr<Object> boundControl(const std::shared_ptr<Object>& control, InterfaceOwner& owner,
-                                     const InterfaceProperty& property, MainQueue* queue) {
-    const auto text = std::make_shared<const BoundText>(owner, property);
-    if (!text->holdsTextOrNothing()) return nullptr;
-    const auto bound = std::make_shared<Bound>(Bound{control, nullptr, nullptr});
-    const std::weak_ptr<Object> weak = control;
+}  // namespace
 
-    const auto update = [weak, text] {
+Result<std::shared_ptr<Object>> boundControl(const std::shared_ptr<Object>& control, InterfaceOwner& owner,
+                                             const InterfaceProperty& property, MainQueue* queue) {
+    const ControlValue* const shows = controlValueOf(*control);
+    if (!shows) return Error{"a " + control->className() + " shows no property"};
+    const auto bound = std::make_shared<Bound>(Bound{control, nullptr, nullptr});
+    const auto held = std::make_shared<const BoundProperty>(owner, property);
+    const auto first = held->value();
+    if (!first || !shows->takes(*first))
+        return Error{"the property \"" + std::string(property.name) + "\" is no " + shows->kind};
+
+    const std::weak_ptr<Object> weak = control;
+    const auto update = [weak, held, shows] {
         const auto alive = weak.lock();
-        const auto shown = alive ? text->text() : std::nullopt;
-        if (shown) show(*alive, *shown);
+        const auto value = alive ? held->value() : std::nullopt;
+        if (value) shows->show(*alive, *value);
     };
-    bound->fromOwner = text->observe([update, queue] {
+    bound->fromOwner = held->observe([update, queue] {
         if (!queue || queue->isMainThread())
             update();
         else
             queue->dispatchAsync(update);
     });
     update();
-    // Whatever the owner makes of the text, the control then shows it.
-    bound->fromControl = observe(*control, [weak, text, update] {
+    // Whatever the owner makes of the value, the control then shows it.
+    bound->fromControl = shows->observe(*control, [weak, held, shows, update] {
         const auto alive = weak.lock();
-        const auto held = alive ? text->text() : std::nullopt;
-        if (!held || *held == shownBy(*alive)) return;
-        text->set(shownBy(*alive));
+        const auto value = alive ? held->value() : std::nullopt;
+        if (!value || same(*value, shows->shown(*alive))) return;
+        held->set(shows->shown(*alive));
         update();
     });
-    return {bound, control.get()};
+    return std::shared_ptr<Object>(bound, control.get());
 }
 
 }  // namespace vigil

@@ -29,6 +29,7 @@ InterfaceWidget widgetFrom(const pugi::xml_node& node) {
     widget.kind = node.attribute("class").value();
     widget.name = node.attribute("name").value();
     widget.text = propertyOf(node, "text").value_or("");
+    widget.checked = propertyOf(node, "checked") == "true";
     for (const pugi::xml_node& item : node.children("item"))
         if (auto title = propertyOf(item, "text")) widget.items.push_back(std::move(*title));
     for (const pugi::xml_node& property : node.children("property"))

@@ -13,7 +13,8 @@ namespace vigil {
 struct InterfaceWidget {
     std::string kind;  ///< "QLineEdit"
     std::string name;
-    std::string text;                 ///< of a line
+    std::string text;                 ///< of a line or a button
+    bool checked = false;             ///< of a button
     std::vector<std::string> items;   ///< of a combo box
     std::optional<int> currentIndex;  ///< of a combo box, where the file says it
     std::optional<std::string> bind, action, outlet;
