@@ -26,6 +26,7 @@ void addCheckCommand(CLI::App& app, CommandContext& context);
 void addDemoCommand(CLI::App& app, CommandContext& context);
 void addDoctorCommand(CLI::App& app, CommandContext& context);
 void addEvalCommand(CLI::App& app, CommandContext& context);
+void addMonitorCommand(CLI::App& app, CommandContext& context);
 void addPluginCommand(CLI::App& app, CommandContext& context);
 void addExplainCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
