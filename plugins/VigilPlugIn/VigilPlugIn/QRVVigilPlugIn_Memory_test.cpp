@@ -25,6 +25,11 @@ void* operator new(std::size_t size) {
     if (void* memory = std::malloc(size ? size : 1)) return memory;
     throw std::bad_alloc();
 }
+// A sort's buffer comes this way and goes back by the plain delete, so both have to be of one kind.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    ++t_allocations;
+    return std::malloc(size ? size : 1);
+}
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }
