@@ -52,9 +52,9 @@ std::string explainedLine(const RecordedNotification& notification, const Explan
     if (!notification.station.empty()) line += notification.station + "  ";
     line += explanation.status;
     if (explanation.failure == Explanation::Failure::Range)
-        line += "  (broken off: a piece of the condition's text has no blank)";
+        line += "  (cannot be explained: a piece of the condition's text has no blank)";
     if (explanation.failure == Explanation::Failure::Parse)
-        line += "  (broken off: a piece of the condition's text is no condition)";
+        line += "  (cannot be explained: a piece of the condition's text is no condition)";
     return line + "\n";
 }
 

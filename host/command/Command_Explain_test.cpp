@@ -98,14 +98,15 @@ TEST_F(ExplainCommand, saysWhereAnExplanationBreaksOff) {
     EXPECT_THAT(
         run({"explain", "wind.unitValue > 25 AND (temp.unitValue < 10 OR temp.unitValue > 30)", path})
             .results,
-        HasSubstr("Alert was caused by   (broken off: a piece of the condition's text is no condition)"));
+        HasSubstr(
+            "Alert was caused by   (cannot be explained: a piece of the condition's text is no condition)"));
     EXPECT_THAT(run({"explain", "--json",
                      "wind.unitValue > 25 AND (temp.unitValue < 1 OR temp.unitValue > 30)", path})
                     .results,
                 HasSubstr("\"status\":\"Alert was caused by \",\"failure\":\"parse\"}"));
     const std::string keys = file("b.csv", "time,wind,windGust\n2026-01-01T00:00:00Z,1,30\n");
     EXPECT_THAT(run({"explain", "windGust.unitValue > 25", keys}).results,
-                HasSubstr("(broken off: a piece of the condition's text has no blank)"));
+                HasSubstr("(cannot be explained: a piece of the condition's text has no blank)"));
 }
 
 TEST_F(ExplainCommand, answersBatchesInTheOrderOfTheReadings) {
