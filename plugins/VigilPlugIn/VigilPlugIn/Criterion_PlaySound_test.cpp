@@ -67,6 +67,8 @@ TEST_F(PlaySound, AFileThatCannotBeReadLeavesNoPlayerAndNobodyHearsOfIt) {
     EXPECT_NO_THROW(m_action->performActionWithDisplayValues(row("bad.wav")));
     EXPECT_EQ(m_action->audioPlayer(), nullptr) << "the old player is replaced by none";
     EXPECT_EQ(m_action->alertWavFileName(), "/resources/bad.wav");
+    EXPECT_THAT(m_world.effects(), testing::Contains("play /resources/bad.wav"))
+        << "what is heard is asked for all the same";
     EXPECT_TRUE(m_world.log().lines().empty());
     m_action->performActionWithDisplayValues(row("good.wav"));
     EXPECT_TRUE(m_action->audioPlayer());
