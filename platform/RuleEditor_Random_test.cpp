@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/RuleEditor.hpp"
+#include "tests/support/ConditionGenerator.hpp"
 #include "tests/support/FakeRules.hpp"
 
 // Random edits on the editor and on the simplest list that could be meant, which then have to be alike.
@@ -144,7 +145,7 @@ TEST_P(RandomEdits, LeaveTheEditorAsTheyLeaveAListOfTexts) {
     constexpr std::array<Step, 7> kSteps = {
         &RandomEdits::insert, &RandomEdits::remove,  &RandomEdits::chooseRoot, &RandomEdits::chooseAnswer,
         &RandomEdits::type,   &RandomEdits::restore, &RandomEdits::lookOn};
-    for (int i = 0; i < 400; ++i) {
+    for (int i = 0; i < 400 * test::longFactor(); ++i) {
         const auto step = static_cast<std::size_t>(below(kSteps.size()));
         (this->*kSteps[step])();
         ASSERT_EQ(shown(*m_editor), naive()) << "after edit " << i << ", a step of kind " << step;

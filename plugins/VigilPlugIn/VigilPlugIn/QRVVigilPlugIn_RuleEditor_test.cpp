@@ -8,6 +8,7 @@
 #include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Actions.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/ModuleClasses.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
+#include "tests/support/ConditionGenerator.hpp"
 #include "tests/support/FakeAgent.hpp"
 #include "tests/support/FakeWorld.hpp"
 
@@ -220,7 +221,7 @@ TEST_F(RuleBridge, AfterRandomEditsTheStoredRowsAreAlwaysTheEditors) {
     const auto below = [&](std::int64_t end) {
         return std::uniform_int_distribution<std::int64_t>(0, end - 1)(random);
     };
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 300 * test::longFactor(); ++i) {
         const std::int64_t row = below(m_editor->numberOfRows());
         switch (below(4)) {
             case 0:
