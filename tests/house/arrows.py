@@ -127,7 +127,8 @@ def main():
             if header is None:
                 continue
             asked += 1
-            if room.startswith(home + "/") or (room not in MAY_SEE[home] and is_inside(room, MAY_SEE[home])):
+            if room.startswith(home + "/") or (room not in (home, *MAY_SEE[home])
+                                                   and is_inside(room, MAY_SEE[home])):
                 findings += [f"{path} includes {room}" for path in includes_inner(home, room)]
                 continue
             seen = reaches(flags, directory, header)
