@@ -15,13 +15,15 @@ struct PacketReading {
     std::string key;   ///< of a known reading, or the name as it was sent
     std::string name;  ///< the display name; empty: the known one, or the name as it was sent
     FourCharCode type = kNumericType;
-    bool missing = false;               ///< the sender says that there is no value
-    double value = 0;                   ///< numeric: in `unit`; date: seconds since 2001; text: 0
-    Unit unit = Unit::None;             ///< of `value`
-    std::string text{};                 ///< of a text reading; else empty, or the text that the sender gave
-    std::string unitText{};             ///< a short unit given by the sender, used where `unit` is None
-    std::optional<double> unitValue{};  ///< given by the sender, then kept as it is
-    std::optional<Date> time{};         ///< absent: the packet's
+    bool missing = false;    ///< the sender says that there is no value
+    double value = 0;        ///< numeric: in `unit`; date: seconds since 2001; text: 0
+    Unit unit = Unit::None;  ///< of `value`; None: the one held inside, or nothing known
+    std::string text{};      ///< of a text reading; else empty, or the text that the sender gave
+    std::string unitText{};  ///< a short unit given by the sender, used where `unit` is None
+    /// Given by the sender beside `value`: both are then kept as they are, `value` as the one held inside,
+    /// and the unit, however it is given, is that of `unitValue`.
+    std::optional<double> unitValue{};
+    std::optional<Date> time{};  ///< absent: the packet's
     bool visible = true;
 };
 
