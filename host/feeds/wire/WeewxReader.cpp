@@ -26,6 +26,12 @@ std::string_view nameOf(std::string_view route) {
     return slash == std::string_view::npos ? route : route.substr(slash + 1);
 }
 
+/// Packets may be partial, and a topic may carry one value of many: what comes by one topic never is all that
+/// the station has.
+std::string sensorOf(const RawMessage& message) {
+    return message.route.empty() ? "weewx" : message.route.substr(0, kLongestName);
+}
+
 std::string shownName(std::string_view name) {
     return "weewx: " + std::string(name.substr(0, kLongestName));
 }
@@ -87,7 +93,7 @@ std::optional<PacketReading> WeewxReader::reading(std::string_view name, const J
 
 void WeewxReader::take(const object& given, const RawMessage& message, std::vector<Packet>& packets,
                        const DecodeProblem& problem) {
-    Packet packet{.arrived = message.arrived, .retained = message.retained};
+    Packet packet{.sensor = sensorOf(message), .arrived = message.arrived, .retained = message.retained};
     const std::string_view group = groupOf(message.route);
     if (element units; given["usUnits"].get(units) == simdjson::SUCCESS)
         noteSystem(group, jsonValue(units), problem);
@@ -120,7 +126,7 @@ void WeewxReader::takeValue(const RawMessage& message, std::vector<Packet>& pack
     if (name == "dateTime") return;
     auto made = reading(name, value, systemOf(group), problem);
     if (!made) return;
-    Packet packet{.arrived = message.arrived, .retained = message.retained};
+    Packet packet{.sensor = sensorOf(message), .arrived = message.arrived, .retained = message.retained};
     packet.readings.push_back(*std::move(made));
     packets.push_back(std::move(packet));
 }
