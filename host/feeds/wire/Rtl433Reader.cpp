@@ -25,7 +25,7 @@ std::string sensorOf(const object& given) {
         const JsonValue read = jsonValue(value);
         if (read.kind == JsonValue::Other || read.text.empty()) continue;
         if (!sensor.empty()) sensor += '/';
-        sensor += read.text.substr(0, kLongestName);
+        sensor += shortened(read.text, kLongestName);
     }
     return sensor;
 }
@@ -46,7 +46,7 @@ PacketReading batteryOk(const JsonValue& value) {
 std::optional<PacketReading> readingOf(std::string_view member, const JsonValue& value,
                                        const DecodeProblem& problem) {
     if (value.kind == JsonValue::Other) {
-        tell(problem, "rtl_433: " + std::string(member.substr(0, kLongestName)) +
+        tell(problem, "rtl_433: " + std::string(shortened(member, kLongestName)) +
                           ": expected a number or a text; left out");
         return std::nullopt;
     }

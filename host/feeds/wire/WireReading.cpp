@@ -75,9 +75,19 @@ bool isNoValue(std::string_view text) {
     return number && isMissingNumber(*number);
 }
 
+std::string_view shortened(std::string_view text, std::size_t most) {
+    if (text.size() <= most) return text;
+    const auto continues = [&text](std::size_t at) {
+        return (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
+    };
+    while (most > 0 && continues(most))
+        --most;
+    return text.substr(0, most);
+}
+
 std::string quotedForPeople(std::string_view text) {
     constexpr std::size_t kMostShown = 40;
-    const std::string repaired = repairedUtf8(text.substr(0, kMostShown));
+    const std::string repaired = repairedUtf8(shortened(text, kMostShown));
     return "\"" + repaired + (text.size() > kMostShown ? "…\"" : "\"");
 }
 

@@ -29,6 +29,9 @@ std::optional<double> numberInText(std::string_view text);
 /// written.
 bool isNoValue(std::string_view text);
 
+/// At most so many bytes from the front, cut between characters.
+std::string_view shortened(std::string_view text, std::size_t most);
+
 /// In quotes, for a sentence: repaired where it is not UTF-8 and cut behind 40 bytes.
 std::string quotedForPeople(std::string_view text);
 
