@@ -4,8 +4,8 @@ namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
     static const std::vector<AddCommand> commands = {
-        addDemoCommand,    addReplayCommand,  addCheckCommand,  addEvalCommand,
-        addExplainCommand, addMonitorCommand, addDoctorCommand, addPluginCommand,
+        addDemoCommand, addReplayCommand,  addCheckCommand,   addEvalCommand,   addExplainCommand,
+        addSiteCommand, addStationCommand, addMonitorCommand, addDoctorCommand, addPluginCommand,
     };
     return commands;
 }

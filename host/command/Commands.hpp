@@ -29,6 +29,8 @@ void addEvalCommand(CLI::App& app, CommandContext& context);
 void addMonitorCommand(CLI::App& app, CommandContext& context);
 void addPluginCommand(CLI::App& app, CommandContext& context);
 void addExplainCommand(CLI::App& app, CommandContext& context);
+void addSiteCommand(CLI::App& app, CommandContext& context);
+void addStationCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
 
 /// Every sub-command, in the order in which `--help` lists them.
