@@ -44,8 +44,8 @@ struct StationReadingsCounts {
     std::uint64_t longNames = 0;    ///< names of more than `kLongestReadingName` bytes
     std::uint64_t noPlace = 0;      ///< a key more than a station may have
     // Times.
-    std::uint64_t future = 0;  ///< times more than an hour ahead, taken as the time of arrival
-    std::uint64_t jumps = 0;   ///< times that a clock, the sender's or the host's, was set back
+    std::uint64_t wrongTimes = 0;  ///< more than an hour ahead or in no calendar; the arrival stands for them
+    std::uint64_t jumps = 0;       ///< how often a clock, a sensor's or the host's, was set back
 
     /// All readings left out.
     std::uint64_t readingsDropped() const {
