@@ -91,6 +91,7 @@ TEST_F(AlertCause, AKeyThatStandsTwiceCountsOnceAndItsComparisonsAreOnePiece) {
     EXPECT_EQ(explained("P.unitValue > 1 AND P.unitValue < 5", {plain("P", 2)}),
               "Alert was caused by <P> that is now 2.");
     EXPECT_EQ(explained("P.unitValue > 1 AND P.unitValue < 5", {plain("P", 7)}), "Alert was caused by .");
+    EXPECT_EQ(explained("P.unitValue > 1 AND P.unitValue < 5", {plain("P", 0)}), "Alert was caused by .");
     EXPECT_EQ(
         explained("P.unitValue > 1 AND P.unitValue < 5 AND Q.unitValue == 0", {plain("P", 7), plain("Q", 0)}),
         "Alert was caused by <Q> that is now 0.");

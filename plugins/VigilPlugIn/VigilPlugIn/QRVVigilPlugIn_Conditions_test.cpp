@@ -103,6 +103,8 @@ TEST_F(ConditionTemplates, KeysAreSortedWithoutRegardToCase) {
     load({reading("beta", kNumericType), reading("Alpha", kNumericType), reading("gamma", kNumericType)});
     EXPECT_THAT(*m_monitor->propertyArray(), ElementsAre("Alpha", "beta", "gamma"));
     EXPECT_THAT(keyPaths(at(1)), ElementsAre("Alpha.unitValue", "beta.unitValue", "gamma.unitValue"));
+    load({reading("Gamma", kTextType), reading("alpha", kNumericType), reading("Beta", kDateType)});
+    EXPECT_THAT(*m_monitor->propertyArray(), ElementsAre("alpha", "Beta", "Gamma")) << "whatever their kinds";
 }
 
 TEST_F(ConditionTemplates, TheOrderIsTheWorldsOwn) {
