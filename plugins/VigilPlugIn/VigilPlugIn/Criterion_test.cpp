@@ -46,7 +46,10 @@ TEST_F(CriterionTree, ChildrenAreListedInOrderInAListOfTheNodesOwn) {
     EXPECT_EQ(*node->children(), given);
     EXPECT_EQ(node->numberOfChildren(), 3);
     EXPECT_EQ(node->childAtIndex(1), given[1]);
+    const auto list = node->children();
     node->addChild(Criterion::criterionWithAgent(m_agent, "d"));
+    EXPECT_EQ(list->size(), 4u) << "the list itself grows, for whoever holds it";
+    EXPECT_EQ(node->children(), list);
     EXPECT_EQ(given.size(), 3u) << "what is added to the node is not added to the list it was made of";
     given.clear();
     EXPECT_EQ(node->numberOfChildren(), 4);

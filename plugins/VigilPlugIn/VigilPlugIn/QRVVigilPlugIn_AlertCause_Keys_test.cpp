@@ -14,10 +14,10 @@ namespace {
 
 class AlertCauseKeys : public testing::Test {
   protected:
-    using Readings = std::vector<std::pair<std::string, double>>;
+    using KeysAndValues = std::vector<std::pair<std::string, double>>;
 
     /// The sentence, for readings in the order of the station; "P" is shown as "<P>".
-    std::string explained(const std::string& condition, const Readings& readings) {
+    std::string explained(const std::string& condition, const KeysAndValues& readings) {
         std::vector<AgentProperty> properties;
         for (const auto& [key, value] : readings) {
             auto label = std::make_shared<AgentPropertyLabel>();
