@@ -40,6 +40,7 @@ function(house_folder target folder)
     list(FILTER sources EXCLUDE REGEX "(_test|_main)\\.cpp$")
     file(GLOB headers CONFIGURE_DEPENDS "${here}/*.hpp")
     add_library(${target} OBJECT ${sources} ${headers})
+    set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX) # also for a folder of headers alone
     target_link_libraries(${target} PUBLIC vigil_strict ${arg_SEES} ${arg_LIBRARIES})
     house_root(${target} ${folder})
     if(VIGIL_CHECK_HEADERS)

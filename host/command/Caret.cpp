@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "host/feeds/KeyNames.hpp"
+#include "host/readings/KeyNames.hpp"
 
 namespace vigil {
 namespace {

@@ -1,6 +1,6 @@
 #include "host/command/JsonText.hpp"
 
-#include "host/feeds/KeyNames.hpp"
+#include "host/readings/KeyNames.hpp"
 #include "platform/Files.hpp"
 
 namespace vigil {

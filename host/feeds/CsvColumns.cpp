@@ -6,9 +6,9 @@
 #include <cmath>
 #include <utility>
 
-#include "host/feeds/KeyNames.hpp"
-#include "host/feeds/KnownReadings.hpp"
 #include "host/feeds/TimeForms.hpp"
+#include "host/readings/KeyNames.hpp"
+#include "host/readings/KnownReadings.hpp"
 #include "platform/Files.hpp"
 
 namespace vigil {

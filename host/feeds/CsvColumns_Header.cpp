@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "host/feeds/CsvColumns.hpp"
-#include "host/feeds/KeyNames.hpp"
-#include "host/feeds/KnownReadings.hpp"
 #include "host/feeds/TimeForms.hpp"
+#include "host/readings/KeyNames.hpp"
+#include "host/readings/KnownReadings.hpp"
 #include "platform/Files.hpp"
 
 namespace vigil {

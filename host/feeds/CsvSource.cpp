@@ -3,11 +3,11 @@
 
 #include "host/feeds/CsvColumns.hpp"
 #include "host/feeds/CsvRows.hpp"
-#include "host/feeds/KeyNames.hpp"
 #include "host/feeds/OpenRecorded.hpp"
 #include "host/feeds/OpenRecorded_Bytes.hpp"
 #include "host/feeds/OrderWindow.hpp"
 #include "host/feeds/TimeForms.hpp"
+#include "host/readings/KeyNames.hpp"
 #include "platform/Files.hpp"
 
 namespace vigil {

@@ -7,10 +7,9 @@
 #include <string>
 
 #include "host/feeds/Recorded.hpp"
+#include "host/readings/Unit.hpp"
 
 namespace vigil {
-
-enum class UnitSystem { Metric, Us };
 
 /// How a CSV file is read. Its form is described in docs/formats/csv.md.
 struct CsvOptions {

@@ -3,10 +3,10 @@
 #include <utility>
 #include <vector>
 
-#include "host/feeds/Derived.hpp"
-#include "host/feeds/KnownReadings.hpp"
 #include "host/feeds/OpenRecorded.hpp"
 #include "host/feeds/SimulatedWeather.hpp"
+#include "host/readings/Derived.hpp"
+#include "host/readings/KnownReadings.hpp"
 
 namespace vigil {
 namespace {

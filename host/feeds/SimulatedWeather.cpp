@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "host/feeds/Derived.hpp"
+#include "host/readings/Derived.hpp"
 
 namespace vigil {
 namespace {

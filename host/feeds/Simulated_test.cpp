@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "host/feeds/Derived.hpp"
 #include "host/feeds/OpenRecorded.hpp"
 #include "host/feeds/SimulatedWeather.hpp"
+#include "host/readings/Derived.hpp"
 
 namespace vigil {
 namespace {

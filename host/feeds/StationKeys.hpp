@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/feeds/KeyNames.hpp"
+#include "host/readings/KeyNames.hpp"
 #include "host_contract/AgentProperty.hpp"
 #include "host_contract/KeyTable.hpp"
 

@@ -15,7 +15,8 @@ import tree
 
 HOUSE = ("platform", "host_contract", "conditions", "conditions/editor")
 WITHOUT_CONDITIONS = ("platform", "host_contract")
-BUILDING_BLOCKS = ("host/kit", "host/services", "host/feeds")
+FEEDS = ("host/readings", "host/feeds", "host/feeds/wire", "host/feeds/live")
+BUILDING_BLOCKS = ("host/kit", "host/services", "host/site", *FEEDS)
 # A room, and the rooms that it may see. Every room that stands here and not in the list behind it stays out of reach.
 MAY_SEE = {
     "platform": (),
@@ -25,11 +26,16 @@ MAY_SEE = {
     "plugins/VigilPlugIn/VigilPlugIn": HOUSE,
     "plugins/ContractProbe": WITHOUT_CONDITIONS,
     "host/services": WITHOUT_CONDITIONS,
-    "host/feeds": WITHOUT_CONDITIONS,
+    "host/readings": WITHOUT_CONDITIONS,
+    "host/feeds": (*WITHOUT_CONDITIONS, "host/readings"),
+    "host/feeds/wire": (*WITHOUT_CONDITIONS, "host/readings", "host/feeds"),
+    "host/feeds/live": (*WITHOUT_CONDITIONS, "host/readings", "host/feeds", "host/feeds/wire", "host/services"),
+    "host/site": WITHOUT_CONDITIONS,
+    "host/run": (*HOUSE, *BUILDING_BLOCKS),
     "host/helper": ("platform", "host/services"),
     "host/kit": (*HOUSE, "host/services"),
-    "host/command": (*HOUSE, *BUILDING_BLOCKS),
-    "host/desktop": (*HOUSE, *BUILDING_BLOCKS),
+    "host/command": (*HOUSE, *BUILDING_BLOCKS, "host/run"),
+    "host/desktop": (*HOUSE, *BUILDING_BLOCKS, "host/run"),
 }
 # These are drawn so that a header that is not found there shows that the asking itself went wrong.
 MUST_EXIST = HOUSE
@@ -69,6 +75,10 @@ def flags_of(command):
         elif word not in ("-c", "-MD") and not word.endswith(".cpp"):
             kept.append(word)
     return kept
+
+
+def is_inside(room, rooms):
+    return any(room.startswith(outer + "/") for outer in rooms)
 
 
 def includes_inner(home, room):
@@ -117,7 +127,8 @@ def main():
             if header is None:
                 continue
             asked += 1
-            if room.startswith(home + "/"):
+            if room.startswith(home + "/") or (room not in (home, *MAY_SEE[home])
+                                                   and is_inside(room, MAY_SEE[home])):
                 findings += [f"{path} includes {room}" for path in includes_inner(home, room)]
                 continue
             seen = reaches(flags, directory, header)

@@ -1,4 +1,4 @@
-#include "host/feeds/KeyNames.hpp"
+#include "host/readings/KeyNames.hpp"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "host/feeds/Derived.hpp"
+#include "host/readings/Derived.hpp"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-#include "host/feeds/OpenRecorded.hpp"
+#include "host/readings/Unit.hpp"
 #include "host_contract/FourCharCode.hpp"
 
 namespace vigil {

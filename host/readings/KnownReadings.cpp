@@ -1,4 +1,4 @@
-#include "host/feeds/KnownReadings.hpp"
+#include "host/readings/KnownReadings.hpp"
 
 #include <algorithm>
 

@@ -1,0 +1,7 @@
+#include "host/feeds/live/FeedSink.hpp"
+
+namespace vigil {
+
+FeedSink::~FeedSink() = default;
+
+}  // namespace vigil
