@@ -183,6 +183,9 @@ TEST_F(AlertCause, EmptiesTheListOfKeysAndKeepsItEmpty) {
     explained("P.unitValue > 1", {plain("P", 2)});
     EXPECT_THAT(*m_monitor->propertyArray(), IsEmpty());
     EXPECT_THAT(*before, ElementsAre("a")) << "a new list, the old one is somebody's";
+    m_monitor->setPropertyArray(before);
+    left<std::invalid_argument>("sky.stringValue != \"P\"", {plain("P", 2)});
+    EXPECT_THAT(*m_monitor->propertyArray(), IsEmpty()) << "also where the explanation breaks off";
 }
 
 TEST_F(AlertCause, ObserversOfTheStatusSeeEachStep) {
