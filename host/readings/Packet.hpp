@@ -23,12 +23,16 @@ struct PacketReading {
     std::optional<double> unitValue{};  ///< given by the sender, then kept as it is
     std::optional<Date> time{};         ///< absent: the packet's
     bool visible = true;
+    std::string
+        unitString{};  ///< the value with its unit as the sender prints it; empty: follows from the rest
 };
 
 /// What a wire form made of one message: the values that a station, or one of its sensors, sent together.
 struct Packet {
-    std::string identity{};      ///< which station among those of a feed; empty: the only one
-    std::string sensor{};        ///< which part of the station; repeats are told apart by it
+    std::string identity{};  ///< which station among those of a feed; empty: the only one
+    /// Which part of the station sent it. Empty: the packet is all that the station has to say, and is judged
+    /// as it stands; else the fresh readings of before stand beside it, since others send them.
+    std::string sensor{};
     std::optional<Date> time{};  ///< absent: when it arrived
     Date arrived;
     bool retained = false;  ///< kept by a broker from before: shown, but not news

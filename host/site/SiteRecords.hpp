@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,7 +36,7 @@ struct PlugInRecord {
 struct FireRecord {
     RecordId id = 0;
     RecordId plugIn = 0;
-    Date time;
+    Date time{};
     bool completed = false;
 };
 
@@ -52,11 +53,11 @@ struct EffectRecord {
     Kind kind = Script;
     std::string what{};  ///< "gust.sh roof", "bell.wav", the text spoken
     State state = Queued;
-    Date queued;
-    Date started;          ///< of Started and Ended
-    Date ended;            ///< of Ended
-    std::string result{};  ///< of Ended: "succeeded", "failed", "interrupted", …
-    std::string detail{};  ///< of Ended: a sentence, and the last lines that were written
+    Date queued{};
+    std::optional<Date> started{};  ///< of Started; of Ended where it had begun
+    std::optional<Date> ended{};    ///< of Ended
+    std::string result{};           ///< of Ended: "succeeded", "failed", "interrupted", …
+    std::string detail{};           ///< of Ended: a sentence, and the last lines that were written
 };
 
 }  // namespace vigil
