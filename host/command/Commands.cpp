@@ -4,7 +4,7 @@ namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
     static const std::vector<AddCommand> commands = {
-        addDemoCommand,    addReplayCommand,  addCheckCommand,  addEvalCommand,
+        addDemoCommand,    addHistoryCommand, addReplayCommand, addCheckCommand,  addEvalCommand,
         addExplainCommand, addMonitorCommand, addDoctorCommand, addPluginCommand,
     };
     return commands;

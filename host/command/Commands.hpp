@@ -29,6 +29,7 @@ void addEvalCommand(CLI::App& app, CommandContext& context);
 void addMonitorCommand(CLI::App& app, CommandContext& context);
 void addPluginCommand(CLI::App& app, CommandContext& context);
 void addExplainCommand(CLI::App& app, CommandContext& context);
+void addHistoryCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
 
 /// Every sub-command, in the order in which `--help` lists them.

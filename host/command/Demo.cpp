@@ -5,12 +5,12 @@
 #include <thread>
 
 #include "host/command/CycleNote.hpp"
-#include "host/command/MonitorModule.hpp"
 #include "host/feeds/OpenRecorded.hpp"
 #include "host/kit/ExceptionText.hpp"
 #include "host/kit/HostedPlugIn.hpp"
 #include "host/kit/InterfaceFile.hpp"
 #include "host/kit/LiveWorld.hpp"
+#include "host/kit/MonitorModule.hpp"
 #include "host/kit/StandardLog.hpp"
 #include "host/kit/Station.hpp"
 #include "host/services/SystemClock.hpp"
