@@ -4,8 +4,9 @@ namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
     static const std::vector<AddCommand> commands = {
-        addDemoCommand,    addHistoryCommand, addReplayCommand, addCheckCommand,  addEvalCommand,
-        addExplainCommand, addMonitorCommand, addDoctorCommand, addPluginCommand,
+        addDemoCommand,    addHistoryCommand, addWhyCommand,    addPlotCommand,
+        addReplayCommand,  addCheckCommand,   addEvalCommand,   addExplainCommand,
+        addMonitorCommand, addDoctorCommand,  addPluginCommand,
     };
     return commands;
 }

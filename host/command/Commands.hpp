@@ -30,7 +30,9 @@ void addMonitorCommand(CLI::App& app, CommandContext& context);
 void addPluginCommand(CLI::App& app, CommandContext& context);
 void addExplainCommand(CLI::App& app, CommandContext& context);
 void addHistoryCommand(CLI::App& app, CommandContext& context);
+void addPlotCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
+void addWhyCommand(CLI::App& app, CommandContext& context);
 
 /// Every sub-command, in the order in which `--help` lists them.
 const std::vector<AddCommand>& allCommands();
