@@ -382,6 +382,17 @@ TEST_F(History, FindsDamageThatAProcessLeftBehindAndTellsTheNewFileWhoWatches) {
     EXPECT_EQ(temperatures(kRoof).back(), 5);
 }
 
+TEST_F(History, IsForItsOwnerAlone) {
+    const auto to = writer();
+    to->append(kRoof, std::nullopt, kStart, batch(1));
+    to->flush();
+    for (const char* suffix : {"", "-wal", "-shm", "-lock"}) {
+        const auto others =
+            fs::status(file() + suffix).permissions() & (fs::perms::group_all | fs::perms::others_all);
+        EXPECT_EQ(others, fs::perms::none) << suffix;
+    }
+}
+
 TEST_F(History, SaysThatThereIsNoneYet) {
     const auto opened = HistoryReader::open(site());
     ASSERT_FALSE(opened);
