@@ -10,6 +10,7 @@
 #include "host/command/MonitorLines.hpp"
 #include "host/command/MonitorModule.hpp"
 #include "host/command/OpenMonitor.hpp"
+#include "host/services/ScriptRunner.hpp"
 
 namespace vigil {
 namespace {
@@ -74,7 +75,7 @@ void onSite(const MonitorOptions& options, CommandContext& context, Run run) {
 }
 
 std::string helperOf(const CommandContext& context) {
-    return context.programFolder + "/vigil-helper";
+    return helperPath(context.programFolder);
 }
 
 std::optional<Refusal> save(MonitorStore& store, const std::string& title, const OpenMonitor& monitor) {
