@@ -36,12 +36,12 @@ The package holds the command, a service that is off until it is enabled,
 and the monitor's module.")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY "=")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_RECOMMENDS "tzdata")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_SUGGESTS "mosquitto, rtl-433")
 set(scripts "${CMAKE_CURRENT_SOURCE_DIR}/debian")
-set(CPACK_DEBIAN_VIGIL_PACKAGE_CONTROL_EXTRA "${scripts}/postinst;${scripts}/prerm;${scripts}/postrm;${scripts}/triggers")
+# Whatever is linked with the kit needs the package of this very version.
+file(WRITE "${PROJECT_BINARY_DIR}/packaging/shlibs" "libvigilkit ${PROJECT_VERSION_MAJOR} vigil (= ${PROJECT_VERSION})\n")
+set(CPACK_DEBIAN_VIGIL_PACKAGE_CONTROL_EXTRA "${scripts}/postinst;${scripts}/prerm;${scripts}/postrm;${scripts}/triggers;${PROJECT_BINARY_DIR}/packaging/shlibs")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(CPACK_DEBIAN_VIGIL-DEV_PACKAGE_NAME vigil-dev)
