@@ -34,6 +34,9 @@ class ScriptRunner {
     /// Called exactly once a request, on the runner's thread (only after `stop` has returned on the thread
     /// that submits). Must not throw, wait for long or call `stop`; may submit.
     using Ended = std::function<void(const ScriptResult&)>;
+    /// Called at most once a request, when its script has begun, on the runner's thread. May be empty. As
+    /// `Ended` otherwise.
+    using Started = std::function<void(Date)>;
 
     struct Options {
         std::string helper;           ///< path of `vigil-helper`; see `helperPath`
@@ -58,7 +61,7 @@ class ScriptRunner {
 
     /// Hands a script over. A request that cannot be run, and the newest for a station whose queue is full,
     /// is refused; one that comes after `stop` is interrupted.
-    void submit(ScriptRequest request, Ended ended);
+    void submit(ScriptRequest request, Ended ended, Started started = {});
 
     /// How many of the station's scripts wait.
     std::size_t queued(const std::string& station) const;
@@ -74,7 +77,10 @@ class ScriptRunner {
     std::unique_ptr<State> m_state;
 };
 
-/// The path of `vigil-helper`: beside the running executable. Empty when Linux does not say where that is.
+/// The path of `vigil-helper` for a program in that folder (without a final "/"): beside the program, where a
+/// build puts it, or else where an installation does, in ../libexec/vigil. Where it is in neither, the first.
+std::string helperPath(const std::string& programFolder);
+/// The same for the running executable. Empty when Linux does not say where that is.
 std::string helperPath();
 
 /// What every script inherits of the host's environment: PATH, HOME, LANG, LC_*, the user's names, TZ, and

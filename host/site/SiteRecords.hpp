@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,13 +30,16 @@ struct PlugInRecord {
     std::string className{};
     std::string title{};    ///< unique in its site
     std::string archive{};  ///< its keyed archive
+    /// How often people have changed it. What a run saves of an older edition is refused, so that a change
+    /// made meanwhile is not lost.
+    std::int64_t edition = 0;
 };
 
 /// A fire of a plug-in: written before anything that it does, and again when it is over.
 struct FireRecord {
     RecordId id = 0;
     RecordId plugIn = 0;
-    Date time;
+    Date time{};
     bool completed = false;
 };
 
@@ -52,11 +56,11 @@ struct EffectRecord {
     Kind kind = Script;
     std::string what{};  ///< "gust.sh roof", "bell.wav", the text spoken
     State state = Queued;
-    Date queued;
-    Date started;          ///< of Started and Ended
-    Date ended;            ///< of Ended
-    std::string result{};  ///< of Ended: "succeeded", "failed", "interrupted", …
-    std::string detail{};  ///< of Ended: a sentence, and the last lines that were written
+    Date queued{};
+    std::optional<Date> started{};  ///< of Started; of Ended where it had begun
+    std::optional<Date> ended{};    ///< of Ended
+    std::string result{};           ///< of Ended: "succeeded", "failed", "interrupted", …
+    std::string detail{};           ///< of Ended: a sentence, and the last lines that were written
 };
 
 }  // namespace vigil

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <CLI/App.hpp>
+
+#include "host/command/CommandContext.hpp"
+#include "host/site/SiteFile.hpp"
+
+namespace vigil {
+
+/// `--site FILE`, for every command that uses a site. Left empty where it is not given.
+void addSiteOption(CLI::App& command, std::string& site);
+
+/// The path that is meant: as given, or the user's own site.
+std::string siteOf(const std::string& site);
+
+/// Opens the site of `--site`; nothing where that cannot be done, and then the reason is told and the status
+/// set.
+std::unique_ptr<SiteFile> openSite(const std::string& site, Access access, CommandContext& context);
+
+}  // namespace vigil
