@@ -8,7 +8,7 @@
 #include "host/command/Commands.hpp"
 #include "host/command/Demo.hpp"
 #include "host/command/DemoScripts.hpp"
-#include "host/command/MonitorModule.hpp"
+#include "host/kit/MonitorModule.hpp"
 
 namespace vigil {
 namespace {

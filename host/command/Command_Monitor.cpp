@@ -8,7 +8,7 @@
 #include "host/command/Commands.hpp"
 #include "host/command/ConditionAnswer.hpp"
 #include "host/command/MonitorLines.hpp"
-#include "host/command/MonitorModule.hpp"
+#include "host/kit/MonitorModule.hpp"
 #include "host/command/OpenMonitor.hpp"
 
 namespace vigil {

@@ -8,7 +8,7 @@
 #include "host/command/Commands.hpp"
 #include "host/command/ConditionAnswer.hpp"
 #include "host/command/FeedOptions.hpp"
-#include "host/command/MonitorModule.hpp"
+#include "host/kit/MonitorModule.hpp"
 #include "host/command/Replay.hpp"
 #include "host/command/ReplayLines.hpp"
 #include "host/kit/InterfaceFile.hpp"

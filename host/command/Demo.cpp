@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "host/command/CycleNote.hpp"
-#include "host/command/MonitorModule.hpp"
+#include "host/kit/MonitorModule.hpp"
 #include "host/feeds/OpenRecorded.hpp"
 #include "host/kit/ExceptionText.hpp"
 #include "host/kit/HostedPlugIn.hpp"
@@ -84,13 +84,13 @@ void serve(Stage& stage, const Demo::Options& options, const Demo::View& view,
     std::thread feeder([&] {
         feed(stage, options, view, failure);
         done = true;
-        stage.world.mainQueue().wake();
+        stage.world.mailbox().wake();
     });
     while (!done)
-        stage.world.mainQueue().serveOne(Clock::now() + std::chrono::seconds(1));
+        stage.world.mailbox().serveOne(Clock::now() + std::chrono::seconds(1));
     feeder.join();
     stage.scripts.stop();
-    while (stage.world.mainQueue().serveOne(Clock::now())) {
+    while (stage.world.mailbox().serveOne(Clock::now())) {
     }
 }
 

@@ -3,7 +3,7 @@
 #include <unistd.h>
 
 #include "host/command/Doctor_Probes.hpp"
-#include "host/command/MonitorModule.hpp"
+#include "host/kit/MonitorModule.hpp"
 
 // What belongs to Vigil's own installation, and the shell that scripts are run with.
 

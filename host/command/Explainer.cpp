@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "host/command/MonitorDraft.hpp"
-#include "host/command/MonitorModule.hpp"
+#include "host/kit/MonitorModule.hpp"
 
 namespace vigil {
 

@@ -1,6 +1,6 @@
 #include "host/command/Replay.hpp"
 
-#include "host/command/MonitorModule.hpp"
+#include "host/kit/MonitorModule.hpp"
 #include "host/kit/ExceptionText.hpp"
 
 namespace vigil {

@@ -224,7 +224,7 @@ TEST(HostedPlugInsClosing, AHandOverRefusedByTheClosingMarksNobody) {
     const auto plugIn = makePlugIn<Monitor>(station, nullptr);
     HostedPlugIns all(world);
     HostedPlugIn& hosted = all.add(plugIn);
-    world.mainQueue().close();
+    world.mailbox().close();
     std::thread feed([&] {
         try {
             world.mainQueue().dispatchSync([] {});

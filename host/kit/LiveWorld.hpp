@@ -28,7 +28,9 @@ class LiveWorld : public HostWorld {
 
     Date now() override;
     LocalTime localTime(Date date) override;
-    Mailbox& mainQueue() override { return m_mailbox; }
+    MainQueue& mainQueue() override { return m_mailbox; }
+    /// What its main thread serves.
+    Mailbox& mailbox() { return m_mailbox; }
     NotificationCenter& notificationCenter() override { return m_center; }
     Files& files() override { return m_files; }
     const Collation& collation() override { return m_collation; }

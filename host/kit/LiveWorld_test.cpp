@@ -40,7 +40,7 @@ TEST_F(LiveWorldTest, TheMainThreadHasTheLoopThatServesAndOthersOneThatOnlyWaits
 
 TEST_F(LiveWorldTest, APostedTaskThatThrowsIsALineInTheLog) {
     world.mainQueue().dispatchAsync([] { throw std::runtime_error("no paper"); });
-    EXPECT_TRUE(world.mainQueue().serveOne({}));
+    EXPECT_TRUE(world.mailbox().serveOne({}));
     EXPECT_EQ(log.lines(),
               (std::vector<RecordingLog::Line>{{kLogProblem, "a task of the main queue failed: no paper"}}));
 }

@@ -34,7 +34,7 @@ void ScriptRunner::State::wake() {
     [[maybe_unused]] const ssize_t written = ::write(wakeUp.get(), &one, sizeof one);
 }
 
-void ScriptRunner::State::submit(ScriptRequest request, Ended ended) {
+void ScriptRunner::State::submit(ScriptRequest request, Ended ended, Started started) {
     const Date now = options.clock();
     std::string why = whyRefused(request);
     ScriptResult::Outcome outcome = ScriptResult::Refused;
@@ -55,7 +55,7 @@ void ScriptRunner::State::submit(ScriptRequest request, Ended ended) {
         answers.push_back({std::move(ended), unrun(outcome, std::move(why), now)});
     } else {
         ++queued[request.station];
-        waiting.push_back({std::move(request), std::move(ended), now});
+        waiting.push_back({std::move(request), std::move(ended), now, std::move(started)});
     }
     lock.unlock();
     wake();
@@ -69,8 +69,8 @@ ScriptRunner::~ScriptRunner() {
     stop();
 }
 
-void ScriptRunner::submit(ScriptRequest request, Ended ended) {
-    m_state->submit(std::move(request), std::move(ended));
+void ScriptRunner::submit(ScriptRequest request, Ended ended, Started started) {
+    m_state->submit(std::move(request), std::move(ended), std::move(started));
 }
 
 std::size_t ScriptRunner::queued(const std::string& station) const {

@@ -34,6 +34,9 @@ class ScriptRunner {
     /// Called exactly once a request, on the runner's thread (only after `stop` has returned on the thread
     /// that submits). Must not throw, wait for long or call `stop`; may submit.
     using Ended = std::function<void(const ScriptResult&)>;
+    /// Called at most once a request, when its script has begun, on the runner's thread. May be empty. As
+    /// `Ended` otherwise.
+    using Started = std::function<void(Date)>;
 
     struct Options {
         std::string helper;           ///< path of `vigil-helper`; see `helperPath`
@@ -58,7 +61,7 @@ class ScriptRunner {
 
     /// Hands a script over. A request that cannot be run, and the newest for a station whose queue is full,
     /// is refused; one that comes after `stop` is interrupted.
-    void submit(ScriptRequest request, Ended ended);
+    void submit(ScriptRequest request, Ended ended, Started started = {});
 
     /// How many of the station's scripts wait.
     std::size_t queued(const std::string& station) const;

@@ -122,10 +122,12 @@ void ScriptRunner::State::wait() {
 void ScriptRunner::State::serve(Run& run) {
     run.helper.exchange();
     while (const std::optional<std::string> message = run.helper.next()) {
-        if (isScriptStarts(*message))
+        if (isScriptStarts(*message)) {
             run.started = options.clock();
-        else
+            if (run.of.started) run.of.started(*run.started);
+        } else {
             run.result = decodeScriptResult(*message);
+        }
     }
     std::optional<Steady::time_point> stopTime;
     {

@@ -25,6 +25,7 @@ struct ScriptRunner::State {
         ScriptRequest request;
         Ended ended;
         Date queued;
+        Started started{};
     };
     struct Run {
         Waiting of;
@@ -44,7 +45,7 @@ struct ScriptRunner::State {
     explicit State(Options given);
 
     // Any thread.
-    void submit(ScriptRequest request, Ended ended);
+    void submit(ScriptRequest request, Ended ended, Started started);
     void wake();
 
     // The runner's thread.

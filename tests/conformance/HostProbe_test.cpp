@@ -84,10 +84,10 @@ TEST(HostProbe, aLiveSiteKeepsWhatAHostPromises) {
             for (int i = 0; i < 20; ++i)
                 EXPECT_TRUE(station.announce(batch(i)).empty());
             done = true;
-            world.mainQueue().wake();
+            world.mailbox().wake();
         });
         while (!done)
-            world.mainQueue().serveOne(Clock::now() + std::chrono::seconds(1));
+            world.mailbox().serveOne(Clock::now() + std::chrono::seconds(1));
         feed.join();
     }));
 }

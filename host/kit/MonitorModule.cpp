@@ -1,4 +1,4 @@
-#include "host/command/MonitorModule.hpp"
+#include "host/kit/MonitorModule.hpp"
 
 #include "host/kit/KeyedArchive.hpp"
 #include "host/kit/KitClasses.hpp"
