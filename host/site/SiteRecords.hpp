@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -53,10 +54,10 @@ struct EffectRecord {
     std::string what{};  ///< "gust.sh roof", "bell.wav", the text spoken
     State state = Queued;
     Date queued;
-    Date started;          ///< of Started and Ended
-    Date ended;            ///< of Ended
-    std::string result{};  ///< of Ended: "succeeded", "failed", "interrupted", …
-    std::string detail{};  ///< of Ended: a sentence, and the last lines that were written
+    std::optional<Date> started{};  ///< of Started; of Ended where it had begun
+    std::optional<Date> ended{};    ///< of Ended
+    std::string result{};           ///< of Ended: "succeeded", "failed", "interrupted", …
+    std::string detail{};           ///< of Ended: a sentence, and the last lines that were written
 };
 
 }  // namespace vigil

@@ -1,0 +1,131 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/site/SiteRecords.hpp"
+#include "platform/Date.hpp"
+#include "platform/Result.hpp"
+
+namespace vigil {
+
+class SiteDatabase;
+class SiteLock;
+
+/// Why a site file could not be opened. The message names the file and what to do.
+struct SiteError {
+    enum class Kind {
+        NotThere,     ///< no such file
+        Locked,       ///< another process runs this site
+        Damaged,      ///< its pages or tables do not hold together
+        TooNew,       ///< a later version of the program wrote it
+        NotASite,     ///< another kind of file
+        Environment,  ///< the disk, the rights, the memory
+    };
+
+    Kind kind = Kind::Environment;
+    std::string message{};
+};
+
+/// What an open file is for. Any number of processes may read a site while one holds it for writing.
+enum class Access { Read, Write };
+
+/// What a stop left open.
+struct Interrupted {
+    std::vector<FireRecord> fires{};  ///< intents without a completion, in the order of their ids
+    std::vector<EffectRecord>
+        effects{};  ///< as they stand now: ended, "interrupted"; begun where `started` is
+};
+
+/// Which effects to list.
+struct EffectQuery {
+    std::optional<Date> since{};           ///< queued then or later
+    std::size_t limit = 100;               ///< the newest so many
+    std::optional<std::string> title{};    ///< of the plug-in, as it was when it acted
+    std::optional<std::string> station{};  ///< as it was called then
+};
+
+/// A site: stations, plug-ins and their archives, fires and effects, in one SQLite database
+/// (docs/formats/site.md). Closing one that was open for writing marks it clean; where that mark is missing,
+/// the next one to write checks the file before it uses it.
+///
+/// One thread: its owner's, the main thread. It may wait for the disk, so it is for what people do and for
+/// the start of a run; what monitors do goes through a `SiteWriter`. Each change is a transaction of its own,
+/// on the disk when the call returns. Texts are UTF-8.
+class SiteFile {
+  public:
+    /// How long an ended effect and a completed fire stay where nobody says otherwise.
+    static constexpr double kKeptSeconds = 90 * 86400.0;
+
+    /// "vigil/home.vigilsite" below $XDG_DATA_HOME, else below ~/.local/share.
+    static std::string defaultFile();
+
+    /// Makes an empty site, and the folders above it. A file that is there already is an error and stays.
+    static Result<Done> create(const std::string& path);
+
+    /// Writing takes the lock beside the file for as long as this object lives, brings an older version up to
+    /// date, and checks a file that was not closed cleanly.
+    static Result<std::unique_ptr<SiteFile>, SiteError> open(const std::string& path, Access access);
+
+    SiteFile(const SiteFile&) = delete;
+    SiteFile& operator=(const SiteFile&) = delete;
+    /// Marks the file clean. Every `SiteWriter` of it has stopped before.
+    ~SiteFile();
+
+    const std::string& path() const { return m_path; }
+    Access access() const { return m_access; }
+    /// Whether this opening found the file not closed cleanly, checked it, and found it whole.
+    bool wasChecked() const { return m_wasChecked; }
+
+    /// All of them, in the order in which they were made.
+    Result<std::vector<StationRecord>> stations() const;
+    Result<std::vector<PlugInRecord>> plugIns() const;
+    Result<std::optional<StationRecord>> stationNamed(std::string_view name) const;
+    Result<std::optional<PlugInRecord>> plugInTitled(std::string_view title) const;
+
+    // An error says which name or title is taken or empty, or that there is no such row any more.
+
+    /// The id of the record is not looked at; the new one is returned.
+    Result<RecordId> addStation(const StationRecord& station);
+    Result<Done> editStation(const StationRecord& station);
+    /// Takes its plug-ins and their fires along; their effects stay in the ledger.
+    Result<Done> removeStation(RecordId station);
+
+    Result<RecordId> addPlugIn(const PlugInRecord& plugIn);
+    /// Title and archive; class and station stay.
+    Result<Done> editPlugIn(const PlugInRecord& plugIn);
+    /// Takes its fires along; its effects stay in the ledger.
+    Result<Done> removePlugIn(RecordId plugIn);
+
+    /// For the start of a run: every effect without an end becomes one that ended `now`, "interrupted" (of a
+    /// mail or message that had begun the detail says that it may have been sent), and what is older than
+    /// `kKeptSeconds` goes. Writes nothing where there is nothing to do.
+    Result<Interrupted> openLedger(Date now);
+
+    /// In the order in which they were queued.
+    Result<std::vector<EffectRecord>> effects(const EffectQuery& query = {}) const;
+    /// The fire, or nothing where it is not there (any more).
+    Result<std::optional<FireRecord>> fire(RecordId id) const;
+
+    /// Forgets completed fires and ended effects from before that date. How many rows went.
+    Result<std::size_t> prune(Date before);
+
+    /// The highest id that a fire or effect of this file has ever had.
+    Result<RecordId> highestId() const;
+
+  private:
+    SiteFile(std::string path, Access access, std::unique_ptr<SiteLock> lock,
+             std::unique_ptr<SiteDatabase> database, bool wasChecked);
+
+    std::string m_path;
+    Access m_access;
+    bool m_wasChecked;
+    std::unique_ptr<SiteLock> m_lock;  // goes last
+    std::unique_ptr<SiteDatabase> m_database;
+};
+
+}  // namespace vigil
