@@ -23,6 +23,8 @@ struct PacketReading {
     std::optional<double> unitValue{};  ///< given by the sender, then kept as it is
     std::optional<Date> time{};         ///< absent: the packet's
     bool visible = true;
+    std::string
+        unitString{};  ///< the value with its unit as the sender prints it; empty: follows from the rest
 };
 
 /// What a wire form made of one message: the values that a station, or one of its sensors, sent together.

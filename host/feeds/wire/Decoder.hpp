@@ -13,7 +13,8 @@ namespace vigil {
 /// A message as a feed brought it. Whoever brings it appends nothing; a decoder that needs bytes behind the
 /// end copies.
 struct RawMessage {
-    std::string route{};    ///< topic or path it came by; empty where there is none
+    std::string
+        route{};  ///< topic or path it came by, with `ready` the station's name; empty where there is none
     std::string payload{};  ///< a line, a body, the fields of a query
     Date arrived;
     bool retained = false;
