@@ -1,0 +1,121 @@
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "host/command/Commands.hpp"
+#include "host/command/SiteChoice.hpp"
+#include "host/run/EffectLedger.hpp"
+#include "host/services/SystemClock.hpp"
+
+namespace vigil {
+namespace {
+
+struct ActionsOptions {
+    std::string site;
+    std::string monitor;
+    std::string station;
+    std::string since;
+    std::size_t limit = 100;
+    bool failed = false;
+    bool json = false;
+};
+
+bool isFailure(const EffectRecord& effect) {
+    return effect.state == EffectRecord::Ended && effect.result != "succeeded";
+}
+
+std::string stateText(const EffectRecord& effect) {
+    if (effect.state == EffectRecord::Queued) return "queued";
+    if (effect.state == EffectRecord::Started) return "running";
+    return effect.result;
+}
+
+std::string localText(Date date) {
+    const LocalTime time = systemLocalTime(date);
+    return fmt::format("{}-{:02}-{:02} {:02}:{:02}:{:02}", time.year, time.month, time.day, time.hour,
+                       time.minute, time.second);
+}
+
+std::string jsonLine(const EffectRecord& effect) {
+    nlohmann::ordered_json json{{"queued", effect.queued.isoText(3)},
+                                {"station", effect.station},
+                                {"monitor", effect.title},
+                                {"kind", effectKindName(effect.kind)},
+                                {"what", effect.what},
+                                {"state", stateText(effect)},
+                                {"test", effect.fire == 0}};
+    if (effect.state != EffectRecord::Queued) json["started"] = effect.started.isoText(3);
+    if (effect.state == EffectRecord::Ended) {
+        json["ended"] = effect.ended.isoText(3);
+        json["detail"] = effect.detail;
+    }
+    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
+
+void print(const EffectRecord& effect, Output& output) {
+    output.print("{}  {}{}  {} \"{}\"  {}{}\n", localText(effect.queued), effect.title.empty() ? "?" : effect.title,
+                 effect.fire == 0 ? " (test)" : "", effectKindName(effect.kind), effect.what,
+                 isFailure(effect) ? "! " : "", stateText(effect));
+    std::string detail = effect.detail;
+    for (std::size_t begin = 0; begin < detail.size();) {
+        const std::size_t end = std::min(detail.find('\n', begin), detail.size());
+        output.print("    {}\n", detail.substr(begin, end - begin));
+        begin = end + 1;
+    }
+}
+
+void list(const ActionsOptions& options, CommandContext& context) {
+    EffectQuery query{.limit = options.limit};
+    if (!options.monitor.empty()) query.title = options.monitor;
+    if (!options.station.empty()) query.station = options.station;
+    if (!options.since.empty()) {
+        const auto since = parseDate(options.since);
+        if (!since) {
+            context.output.error("--since: " + since.error().message);
+            context.status = ExitStatus::BadInput;
+            return;
+        }
+        query.since = since.value();
+    }
+    const auto file = openSite(options.site, Access::Read, context);
+    if (!file) return;
+    const auto effects = file->effects(query);
+    if (!effects) {
+        context.output.error(effects.error().message);
+        context.status = ExitStatus::Environment;
+        return;
+    }
+    bool any = false;
+    for (const EffectRecord& effect : effects.value()) {
+        any = any || isFailure(effect);
+        if (options.failed && !isFailure(effect)) continue;
+        if (options.json)
+            context.output.write(jsonLine(effect));
+        else
+            print(effect, context.output);
+    }
+    if (effects.value().empty() && !options.json) context.output.write("Nothing has been done yet.\n");
+    if (any) context.status = ExitStatus::No;
+}
+
+}  // namespace
+
+void addActionsCommand(CLI::App& app, CommandContext& context) {
+    auto options = std::make_shared<ActionsOptions>();
+    auto* command = app.add_subcommand("actions", "What the monitors of a site did, and what came of it");
+    addSiteOption(*command, options->site);
+    command->add_option("--monitor", options->monitor, "Of this monitor only")->type_name("TITLE");
+    command->add_option("--station", options->station, "Of this station only")->type_name("NAME");
+    command->add_option("--since", options->since, "From this time on, as 2026-11-21T10:00:00Z")->type_name("TIME");
+    command->add_option("--limit", options->limit, "The newest so many (100)")->type_name("N");
+    command->add_flag("--failed", options->failed, "Only what did not do what it should");
+    command->add_flag("--json", options->json, "One JSON object a line");
+    command->footer(
+        "Exit status: 0 all did what they should, 1 something failed.\n"
+        "Examples:\n  vigil actions\n  vigil actions --failed --since 2026-11-01");
+    command->callback([options, &context] { list(*options, context); });
+}
+
+}  // namespace vigil

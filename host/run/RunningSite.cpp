@@ -1,0 +1,150 @@
+#include "host/run/RunningSite.hpp"
+
+#include <utility>
+
+#include "host/kit/KitClasses.hpp"
+#include "host/kit/MonitorModule.hpp"
+#include "host/kit/StandardLog.hpp"
+#include "host/run/PlugInState.hpp"
+#include "host/services/SystemClock.hpp"
+
+// How a site comes to run. Other files hold what it does then and how it ends.
+
+namespace vigil {
+namespace {
+
+std::string folderOf(const std::string& path) {
+    const auto slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash);
+}
+
+}  // namespace
+
+RunningSite::RunningSite(SiteFile& site, QRVLog& log, Options options)
+    : m_site(site),
+      m_log(log),
+      m_options(std::move(options)),
+      m_writer(site, {.now = systemNow}),
+      m_world(log, m_interfaceFiles,
+              m_options.scriptsFolder.empty() ? defaultScriptsFolder() : m_options.scriptsFolder, m_writer),
+      m_scripts(m_world.effects(), {.helper = m_options.programFolder + "/vigil-helper", .clock = systemNow},
+                [this](const std::string& source) { return m_world.notedFiles().nameOf(source); }),
+      m_pool(m_options.threads),
+      m_feeds({.clock = systemNow, .folder = folderOf(site.path()), .secret = m_options.secret}),
+      m_since(systemNow()) {}
+
+Result<std::unique_ptr<RunningSite>> RunningSite::make(SiteFile& site, QRVLog& log, Options options) {
+    if (auto loaded = loadMonitorModule(options.programFolder); !loaded) return loaded.error();
+    std::unique_ptr<RunningSite> made(new RunningSite(site, log, std::move(options)));
+    if (auto restored = made->restore(); !restored) return restored.error();
+    return made;
+}
+
+RunningSite::~RunningSite() {
+    stop();
+}
+
+Result<Done> RunningSite::restore() {
+    auto interrupted = m_site.openLedger(m_world.now());
+    if (!interrupted) return interrupted.error();
+    if (m_options.history) {
+        const auto tell = [this](const std::string& sentence) { m_log.logLevel(kLogProblem, sentence); };
+        auto history = HistoryWriter::open(m_site.path(), {.tell = tell});
+        // A history is a comfort; the watch goes on without it.
+        if (!history)
+            m_log.logLevel(kLogProblem, "no history is kept: " + history.error().message);
+        else
+            m_history = std::move(history).value();
+    }
+    auto stations = m_site.stations();
+    if (!stations) return stations.error();
+    auto plugIns = m_site.plugIns();
+    if (!plugIns) return plugIns.error();
+    for (const StationRecord& record : stations.value())
+        addStation(record);
+    m_entries.reserve(plugIns.value().size());
+    for (const PlugInRecord& record : plugIns.value())
+        addPlugIn(record);
+    waitForUnfinished(interrupted.value());
+    reportGap(interrupted.value());
+    return Done{};
+}
+
+void RunningSite::addStation(const StationRecord& record) {
+    auto station = std::make_shared<Station>(m_world, record.name, m_scripts);
+    auto settings = StationReadings::settingsOf(record.usUnits, record.units, record.rolling);
+    if (!settings) {
+        m_troubles[record.id] = {record.name, settings.error().message};
+        m_log.logLevel(kLogProblem, record.name + ": " + settings.error().message);
+        settings = StationReadings::Settings{};
+    }
+    std::unique_ptr<Decoder> decoder;
+    if (!record.feed.empty()) {
+        const auto url = FeedUrl::parse(record.feed);
+        if (url) decoder = makeDecoder(url.value());
+    }
+    const RunningStation::Surroundings around{
+        .pool = m_pool,
+        .world = m_world,
+        .history = m_history.get(),
+        .notificationTimes = m_notificationTimes,
+        .settle = [this](std::vector<DeliveryFailure> failures) { m_plugIns.settle(std::move(failures)); },
+        .complete =
+            [this](std::vector<Fire> fires, std::function<void()> durable) {
+                complete(std::move(fires), std::move(durable));
+            },
+    };
+    m_stations[record.id] =
+        std::make_shared<RunningStation>(around, record, std::move(station), std::move(decoder),
+                                         StationReadings(std::move(settings).value()));
+    if (m_history) m_history->named(record.id, record.name);
+}
+
+std::shared_ptr<Station> RunningSite::stationOf(RecordId id) const {
+    const auto found = m_stations.find(id);
+    return found == m_stations.end() ? nullptr : found->second->station();
+}
+
+void RunningSite::addPlugIn(const PlugInRecord& record) {
+    Entry entry{.record = record, .notes = std::make_shared<CycleNotes>(m_cycleTimes), .saved = m_since};
+    const auto station = stationOf(record.station);
+    auto plugIn = station ? monitorFromArchive(record.archive, station)
+                          : Result<std::shared_ptr<QRVPlugIn>>(Error{"its station is not there"});
+    if (!plugIn) {
+        entry.trouble = plugIn.error().message;
+        m_log.logLevel(kLogProblem, "\"" + record.title + "\" cannot be restored: " + entry.trouble);
+    } else {
+        plugIn.value()->setTitle(record.title);
+        if (CycleReporting* cycles = plugIn.value()->cycleReporting()) cycles->setCycleObserver(entry.notes);
+        m_world.fires().enroll(*plugIn.value(), {record.id, station->name(), record.title});
+        entry.hosted = &m_plugIns.add(std::move(plugIn).value());
+        entry.hosted->call([](QRVPlugIn& loaded) { loaded.didLoad(); });
+        entry.savedHash = std::hash<std::string>()(record.archive);
+        if (m_history) m_history->archived(record, m_since, ArchiveReason::Began);
+    }
+    m_entries.push_back(std::move(entry));
+}
+
+void RunningSite::start() {
+    for (Entry& entry : m_entries) {
+        if (!entry.hosted) continue;
+        if (const auto obstacle = entry.hosted->start()) {
+            entry.trouble = "it does not start: " + obstacle->description();
+            m_log.logLevel(kLogProblem, "\"" + entry.record.title + "\": " + entry.trouble);
+        } else if (m_history && entry.hosted->evaluating().value_or(true)) {
+            m_history->started(entry.record.id, m_world.now(), WatchReason::Run);
+        }
+    }
+    for (const auto& [id, station] : m_stations) {
+        const std::string& feed = station->record().feed;
+        if (feed.empty()) continue;
+        auto url = FeedUrl::parse(feed);
+        auto added = url ? m_feeds.add(station->record().name, url.value(), station)
+                         : Result<Done>(url.error());
+        if (added) continue;
+        m_troubles[id] = {station->record().name, added.error().message};
+        station->state({FeedState::Failed, added.error().message, m_world.now()});
+    }
+}
+
+}  // namespace vigil

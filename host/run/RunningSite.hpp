@@ -1,0 +1,112 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/feeds/live/Feeds.hpp"
+#include "host/kit/HostedPlugIns.hpp"
+#include "host/kit/InterfaceFile.hpp"
+#include "host/run/CycleNotes.hpp"
+#include "host/run/LedgerScripts.hpp"
+#include "host/run/RunningStation.hpp"
+#include "host/run/SiteStatus.hpp"
+#include "host/run/SiteWorld.hpp"
+#include "host/run/StrandPool.hpp"
+#include "host/site/HistoryWriter.hpp"
+#include "host/site/SiteFile.hpp"
+#include "host/site/SiteWriter.hpp"
+
+namespace vigil {
+
+/// A site at work: its stations with their feeds, its plug-ins, and everything that they do written down.
+/// Main thread: the one that makes it, which serves `mailbox()` and calls `tick` about once a second.
+class RunningSite {
+  public:
+    struct Options {
+        std::string programFolder{};  ///< of the running program, without a final "/"
+        std::string scriptsFolder{};  ///< empty: the user's
+        std::string version{};
+        std::size_t threads = 2;  ///< that strands share
+        bool history = true;
+        /// The secret of that name for feeds.
+        std::function<std::optional<std::string>(const std::string&)> secret{};
+    };
+
+    /// The site is open for writing. It and the log outlive this. An error where the module cannot be loaded
+    /// or the site cannot be read; a station or plug-in that cannot be had is a problem in the status, and
+    /// all others run.
+    static Result<std::unique_ptr<RunningSite>> make(SiteFile& site, QRVLog& log, Options options);
+    RunningSite(const RunningSite&) = delete;
+    RunningSite& operator=(const RunningSite&) = delete;
+    /// Stops.
+    ~RunningSite();
+
+    /// Starts the plug-ins and then the feeds.
+    void start();
+    /// Writes down what has changed since about a minute. At rest: outside every task.
+    void tick();
+    /// Ends the feeds, gives up what has not begun, ends what runs, writes everything down. At rest.
+    void stop();
+
+    Mailbox& mailbox() { return m_world.mailbox(); }
+    SiteStatus status();
+
+  private:
+    struct Entry {
+        PlugInRecord record;
+        HostedPlugIn* hosted = nullptr;  ///< nothing where it could not be restored
+        std::shared_ptr<CycleNotes> notes;
+        std::string trouble{};  ///< why it could not be restored
+        Date saved;
+        std::size_t savedHash = 0;
+        std::optional<Date> lastFire{};
+    };
+    struct Trouble {
+        std::string station{};
+        std::string words{};
+    };
+
+    RunningSite(SiteFile& site, QRVLog& log, Options options);
+
+    Result<Done> restore();
+    void addStation(const StationRecord& record);
+    void addPlugIn(const PlugInRecord& record);
+    std::shared_ptr<Station> stationOf(RecordId id) const;
+    void waitForUnfinished(const Interrupted& interrupted);
+    void reportGap(const Interrupted& interrupted);
+
+    void complete(std::vector<Fire> fires, std::function<void()> durable);
+    void completeOnMain(const std::vector<Fire>& fires, const std::function<void()>& durable);
+    Result<std::string> archiveOf(Entry& entry);
+    Entry* entryOf(RecordId plugIn);
+    void save(Entry& entry);
+
+    MonitorStatus statusOf(Entry& entry, const Readings& readings);
+    StationStatus statusOf(const RunningStation& station);
+
+    SiteFile& m_site;
+    QRVLog& m_log;
+    const Options m_options;
+    InterfaceFile m_interfaceFiles;
+    SiteWriter m_writer;
+    SiteWorld m_world;
+    CycleTimes m_cycleTimes;
+    Histogram m_notificationTimes;
+    LedgerScripts m_scripts;
+    HostedPlugIns m_plugIns{m_world};
+    std::unique_ptr<HistoryWriter> m_history;
+    std::vector<Entry> m_entries;
+    std::map<RecordId, std::shared_ptr<RunningStation>> m_stations;
+    std::map<RecordId, Trouble> m_troubles;
+    StrandPool m_pool;
+    Feeds m_feeds;
+    Date m_since;
+    bool m_stopped = false;
+};
+
+}  // namespace vigil

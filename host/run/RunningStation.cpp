@@ -1,0 +1,170 @@
+#include "host/run/RunningStation.hpp"
+
+#include <chrono>
+#include <utility>
+
+#include "host/kit/StandardLog.hpp"
+#include "host/run/CycleNotes.hpp"
+#include "host/run/PlugInState.hpp"
+
+namespace vigil {
+namespace {
+
+/// What cannot be read is told once in so many seconds; all of it is counted.
+constexpr double kTellEvery = 60;
+
+/// What the plug-in's wait counts from, by its own dates; else the end of its actions.
+Date waitFrom(const Fire& fire) {
+    const auto plugIn = std::dynamic_pointer_cast<QRVPlugIn>(std::const_pointer_cast<Object>(fire.plugIn));
+    const auto next = plugIn ? retriggerDate(*plugIn) : std::nullopt;
+    const auto wait = plugIn ? retriggerSeconds(*plugIn) : std::nullopt;
+    return next && wait ? next->plus(-*wait) : fire.ended;
+}
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+}  // namespace
+
+RunningStation::RunningStation(Surroundings around, StationRecord record, std::shared_ptr<Station> station,
+                               std::unique_ptr<Decoder> decoder, StationReadings readings)
+    : m_around(std::move(around)),
+      m_record(std::move(record)),
+      m_station(std::move(station)),
+      m_decoder(std::move(decoder)),
+      m_readings(std::move(readings)) {
+    m_counts.feed.since = m_around.world.now();
+}
+
+void RunningStation::arrived(RawMessage message) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_closed) return;
+        ++m_counts.messages;
+        m_counts.lastMessage = message.arrived;
+        if (m_messages.size() >= kMessagesOfStation) {
+            m_messages.pop_front();
+            ++m_counts.drops["queue full"];
+        }
+        m_messages.push_back(std::move(message));
+    }
+    m_around.pool.wake(shared_from_this());
+}
+
+void RunningStation::problem(const std::string& words) {
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_counts.drops["not taken"];
+    }
+    tell(words);
+}
+
+void RunningStation::tell(const std::string& words) {
+    const Date now = m_around.world.now();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_counts.lastProblem = words;
+        if (m_toldProblem && now.secondsSince(*m_toldProblem) < kTellEvery) return;
+        m_toldProblem = now;
+    }
+    m_around.world.log().logLevel(kLogNotice, m_record.name + ": " + words);
+}
+
+void RunningStation::state(FeedState state) {
+    bool changed = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        changed = m_counts.feed.kind != state.kind || m_counts.feed.words != state.words;
+        m_counts.feed = state;
+    }
+    if (!changed) return;
+    const bool bad = state.kind == FeedState::Retrying || state.kind == FeedState::Failed;
+    const char* const kinds[] = {"is starting", "is live", "tries again", "has ended", "has failed"};
+    m_around.world.log().logLevel(bad ? kLogProblem : kLogNotice,
+                                  m_record.name + ": its feed " + kinds[state.kind] +
+                                      (state.words.empty() ? "" : ": " + state.words));
+}
+
+void RunningStation::close() {
+    const std::lock_guard lock(m_mutex);
+    m_closed = true;
+    m_messages.clear();
+}
+
+bool RunningStation::isAtRest() const {
+    const std::lock_guard lock(m_mutex);
+    return !m_busy && m_messages.empty();
+}
+
+RunningStation::Counts RunningStation::counts() const {
+    const std::lock_guard lock(m_mutex);
+    Counts counts = m_counts;
+    counts.queued = m_messages.size();
+    return counts;
+}
+
+std::optional<RawMessage> RunningStation::takeMessage() {
+    const std::lock_guard lock(m_mutex);
+    m_busy = !m_messages.empty();
+    if (!m_busy) return std::nullopt;
+    RawMessage message = std::move(m_messages.front());
+    m_messages.pop_front();
+    return message;
+}
+
+Strand::Step RunningStation::step() {
+    if (m_packets.empty()) {
+        const auto message = takeMessage();
+        if (!message) return Step::Idle;
+        m_decoded.clear();
+        m_decoder->decode(*message, m_decoded, [this](const std::string& words) {
+            {
+                const std::lock_guard lock(m_mutex);
+                ++m_counts.drops["not read"];
+            }
+            tell(words);
+        });
+        for (Packet& packet : m_decoded)
+            m_packets.push_back(std::move(packet));
+    }
+    while (!m_packets.empty()) {
+        const Packet packet = std::move(m_packets.front());
+        m_packets.pop_front();
+        if (!announce(packet)) return Step::Wait;
+    }
+    return Step::More;
+}
+
+bool RunningStation::announce(const Packet& packet) {
+    const Date now = m_around.world.now();
+    auto taken = m_readings.take(packet, now);
+    const auto readingCounts = m_readings.counts();
+    {
+        const std::lock_guard lock(m_mutex);
+        readingCounts.each([this](const char* why, std::uint64_t count) {
+            if (count != 0) m_counts.drops[why] = count;
+        });
+        if (taken.batch) {
+            ++m_counts.notifications;
+            m_counts.lastData = packet.arrived;
+        }
+    }
+    if (!taken.batch) return true;
+    const auto start = std::chrono::steady_clock::now();
+    FireDesk::Announcement announcement;
+    CycleNotes::begin();
+    if (m_around.history) m_around.history->append(m_record.id, std::nullopt, now, taken.batch);
+    auto failures = m_station->announce(taken.batch);
+    m_around.notificationTimes.add(secondsSince(start));
+    if (!failures.empty()) m_around.settle(std::move(failures));
+    if (announcement.fires.empty()) return true;
+    for (const Fire& fire : announcement.fires)
+        if (m_around.history)
+            m_around.history->fired(m_record.id, fire.of.plugIn, now, fire.began, waitFrom(fire));
+    const auto self = std::static_pointer_cast<RunningStation>(shared_from_this());
+    m_around.complete(std::move(announcement.fires), [self] { self->m_around.pool.resume(self); });
+    return false;
+}
+
+}  // namespace vigil
