@@ -4,4 +4,8 @@ namespace vigil {
 
 FeedSink::~FeedSink() = default;
 
+bool FeedSink::wantsPause() const {
+    return false;
+}
+
 }  // namespace vigil

@@ -21,7 +21,8 @@ struct FeedState {
     Date since;
 };
 
-/// What becomes of a feed's messages; one a station. Any thread; never waits, never throws.
+/// What becomes of a feed's messages; one a station. Any thread, but never two calls at a time; never waits,
+/// never throws, never calls the feeds.
 class FeedSink {
   public:
     virtual ~FeedSink();
@@ -29,6 +30,10 @@ class FeedSink {
     /// Something that was left out before it became a message.
     virtual void problem(const std::string& words) = 0;
     virtual void state(FeedState state) = 0;
+    /// Whether it has as much as it can hold for now. A feed that can wait without losing anything (a file, a
+    /// pipe, a program, a recording) brings nothing as long as this holds; others do not ask. False unless a
+    /// sink says otherwise.
+    virtual bool wantsPause() const;
 };
 
 }  // namespace vigil
