@@ -39,14 +39,22 @@ TEST_F(CriterionTree, ANodeMadeForAnAgentAloneHasNoNameNoChildrenAndShowsNothing
 }
 
 TEST_F(CriterionTree, ChildrenAreListedInOrderInAListOfTheNodesOwn) {
-    const CriterionList given = {Criterion::criterionWithAgent(m_agent, "a"),
-                                 Criterion::criterionWithAgent(m_agent, "b"),
-                                 Criterion::criterionWithAgent(m_agent, "c")};
+    CriterionList given = {Criterion::criterionWithAgent(m_agent, "a"),
+                           Criterion::criterionWithAgent(m_agent, "b"),
+                           Criterion::criterionWithAgent(m_agent, "c")};
     const auto node = Criterion::criterionWithAgent(m_agent, "root", given);
     EXPECT_EQ(*node->children(), given);
-    EXPECT_NE(node->children().get(), &given);
     EXPECT_EQ(node->numberOfChildren(), 3);
     EXPECT_EQ(node->childAtIndex(1), given[1]);
+    const auto list = node->children();
+    node->addChild(Criterion::criterionWithAgent(m_agent, "d"));
+    EXPECT_EQ(list->size(), 4u) << "the list itself grows, for whoever holds it";
+    EXPECT_EQ(node->children(), list);
+    EXPECT_EQ(given.size(), 3u) << "what is added to the node is not added to the list it was made of";
+    given.clear();
+    EXPECT_EQ(node->numberOfChildren(), 4);
+    EXPECT_EQ(Criterion::criterionWithAgent(m_agent, "root", given)->children(), nullptr)
+        << "an empty list is none";
 }
 
 TEST_F(CriterionTree, AnIndexOutsideTheListThrowsAndAskedOfAnAbsentListAnswersNothing) {
@@ -95,6 +103,24 @@ TEST_F(CriterionTree, EveryCallForAControlMakesANewOne) {
 TEST_F(CriterionTree, AMissingInterfaceFileShowsNothing) {
     m_world.interfaceFiles().remove("TextField");
     m_world.interfaceFiles().remove("PopUpButton");
+    EXPECT_EQ(TextFieldCriterion::criterionWithAgent(m_agent)->displayValue(), DisplayValue{});
+    EXPECT_EQ(PopUpCriterion::criterionWithAgent(m_agent)->displayValue(), DisplayValue{});
+}
+
+TEST_F(CriterionTree, OfWhatAnInterfaceFileHoldsTheFirstControlOfTheWantedKindIsShown) {
+    const auto first = std::make_shared<TextField>("first");
+    const auto popUp = std::make_shared<PopUpButton>();
+    std::vector<std::shared_ptr<Object>> held = {std::make_shared<Criterion>(), popUp, first,
+                                                 std::make_shared<TextField>("second"),
+                                                 std::make_shared<PopUpButton>()};
+    m_world.interfaceFiles().set("TextField", [&held](InterfaceOwner* owner) {
+        EXPECT_EQ(owner, nullptr) << "nobody owns the file";
+        return held;
+    });
+    m_world.interfaceFiles().set("PopUpButton", [&held](InterfaceOwner*) { return held; });
+    EXPECT_EQ(TextFieldCriterion::criterionWithAgent(m_agent)->displayValue(), DisplayValue{first});
+    EXPECT_EQ(PopUpCriterion::criterionWithAgent(m_agent)->displayValue(), DisplayValue{popUp});
+    held = {std::make_shared<Criterion>()};
     EXPECT_EQ(TextFieldCriterion::criterionWithAgent(m_agent)->displayValue(), DisplayValue{});
     EXPECT_EQ(PopUpCriterion::criterionWithAgent(m_agent)->displayValue(), DisplayValue{});
 }

@@ -91,6 +91,7 @@ TEST_F(AlertCause, AKeyThatStandsTwiceCountsOnceAndItsComparisonsAreOnePiece) {
     EXPECT_EQ(explained("P.unitValue > 1 AND P.unitValue < 5", {plain("P", 2)}),
               "Alert was caused by <P> that is now 2.");
     EXPECT_EQ(explained("P.unitValue > 1 AND P.unitValue < 5", {plain("P", 7)}), "Alert was caused by .");
+    EXPECT_EQ(explained("P.unitValue > 1 AND P.unitValue < 5", {plain("P", 0)}), "Alert was caused by .");
     EXPECT_EQ(
         explained("P.unitValue > 1 AND P.unitValue < 5 AND Q.unitValue == 0", {plain("P", 7), plain("Q", 0)}),
         "Alert was caused by <Q> that is now 0.");
@@ -182,6 +183,9 @@ TEST_F(AlertCause, EmptiesTheListOfKeysAndKeepsItEmpty) {
     explained("P.unitValue > 1", {plain("P", 2)});
     EXPECT_THAT(*m_monitor->propertyArray(), IsEmpty());
     EXPECT_THAT(*before, ElementsAre("a")) << "a new list, the old one is somebody's";
+    m_monitor->setPropertyArray(before);
+    left<std::invalid_argument>("sky.stringValue != \"P\"", {plain("P", 2)});
+    EXPECT_THAT(*m_monitor->propertyArray(), IsEmpty()) << "also where the explanation breaks off";
 }
 
 TEST_F(AlertCause, ObserversOfTheStatusSeeEachStep) {

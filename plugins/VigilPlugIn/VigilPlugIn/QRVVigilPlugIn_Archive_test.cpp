@@ -85,12 +85,14 @@ TEST_F(MonitorArchive, AllEightKeysSurviveWritingAndReading) {
     EXPECT_EQ(back->lastEvaluationDictionary()->objectForKey("sky")->stringValue(), "Rain");
 
     const auto rows = back->ruleEditorStoredCriteria();
+    ASSERT_TRUE(rows);
     ASSERT_EQ(rows->size(), 2u);
     ASSERT_EQ(rows->at(0).size(), 2u);
     EXPECT_EQ(rows->at(0)[0]->className(), "RunScriptCriterion");
     EXPECT_EQ(rows->at(0)[0]->childAtIndex(0), rows->at(0)[1]) << "the path's nodes are the tree's own";
     EXPECT_EQ(rows->at(1)[0]->className(), "PlaySoundCriterion");
     const auto values = back->ruleEditorStoredDisplayValues();
+    ASSERT_TRUE(values);
     ASSERT_EQ(values->size(), 2u);
     EXPECT_EQ(stringValue(values->at(0).at(0)), "Run script");
     EXPECT_EQ(stringValue(values->at(0).at(1)), "notify.sh roof");

@@ -81,6 +81,16 @@ TEST_F(ConditionTemplates, NumbersTextsAndDatesHaveTheirTypesAndOperatorsInMenuO
     }
 }
 
+TEST_F(ConditionTemplates, ADateIsOfferedNothingButIsAndIsNot) {
+    load({reading("sunset", kDateType, "Sunset"), reading("wind", kNumericType, "Wind")});
+    m_editor->setObjectValue(
+        ConditionPredicate::predicateWithFormat("sunset.value == CAST(0, \"NSDate\") OR wind.unitValue > 1")
+            .value());
+    EXPECT_EQ(m_editor->rows().at(1).popUps.at(0).shown, "Sunset");
+    EXPECT_THAT(m_editor->choices(1, 1), ElementsAre("is", "is not"));
+    EXPECT_EQ(m_editor->choices(2, 1).size(), 5u) << "a number is offered an order";
+}
+
 TEST_F(ConditionTemplates, EachReadingGoesToTheTemplateOfItsKindWithItsMember) {
     load({reading("wind", kNumericType), reading("sky", kTextType), reading("sunset", kDateType),
           reading("odd", fourCharCode("KZxx")), reading("temp", kNumericType)});
@@ -93,6 +103,8 @@ TEST_F(ConditionTemplates, KeysAreSortedWithoutRegardToCase) {
     load({reading("beta", kNumericType), reading("Alpha", kNumericType), reading("gamma", kNumericType)});
     EXPECT_THAT(*m_monitor->propertyArray(), ElementsAre("Alpha", "beta", "gamma"));
     EXPECT_THAT(keyPaths(at(1)), ElementsAre("Alpha.unitValue", "beta.unitValue", "gamma.unitValue"));
+    load({reading("Gamma", kTextType), reading("alpha", kNumericType), reading("Beta", kDateType)});
+    EXPECT_THAT(*m_monitor->propertyArray(), ElementsAre("alpha", "Beta", "Gamma")) << "whatever their kinds";
 }
 
 TEST_F(ConditionTemplates, TheOrderIsTheWorldsOwn) {

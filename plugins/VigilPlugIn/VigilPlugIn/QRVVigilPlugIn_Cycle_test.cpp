@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Actions.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 #include "tests/support/FakeAgent.hpp"
 #include "tests/support/FakeWorld.hpp"
@@ -101,22 +102,37 @@ TEST_F(Cycle, RowsRunInOrderEachOnceAlsoEqualOnesAndOnlyTheirHeads) {
 
 TEST_F(Cycle, ARowHandsItsActionAllItsDisplayValuesWithTheLiveControls) {
     const auto field = std::make_shared<TextField>("before");
-    std::optional<std::string> seen;
-    std::size_t count = 0;
+    DisplayValueList seen;
+    std::optional<std::string> typed;
     addRow(
         [&](const DisplayValueList& values) {
-            count = values.size();
-            seen = stringValue(values.at(1));
+            seen = values;
+            typed = stringValue(values.at(1));
         },
         {"Speak Text", field});
     field->setStringValue("typed later");
     announceCold();
-    EXPECT_EQ(count, 2u);
-    EXPECT_EQ(seen, "typed later");
+    EXPECT_EQ(seen, (DisplayValueList{"Speak Text", field}));
+    EXPECT_EQ(typed, "typed later");
+}
+
+TEST_F(Cycle, IdenticalRowsRunEachAlsoWhereTheyShareActionAndControls) {
+    m_world.files().setFile("/scripts/s", "echo");
+    const auto shared = RunScriptCriterion::criterionWithAgent(m_agent);
+    const auto equal = RunScriptCriterion::criterionWithAgent(m_agent);
+    const DisplayValueList values = {"Run script", std::make_shared<TextField>("s")};
+    m_monitor->setRuleEditorStoredCriteria(std::make_shared<QRVVigilPlugIn::CriteriaRows>(
+        QRVVigilPlugIn::CriteriaRows{{shared}, {shared}, {equal}}));
+    m_monitor->setRuleEditorStoredDisplayValues(std::make_shared<QRVVigilPlugIn::DisplayValueRows>(
+        QRVVigilPlugIn::DisplayValueRows{values, values, values}));
+    m_monitor->performActions();
+    EXPECT_EQ(m_agent->scripts.size(), 3u);
 }
 
 TEST_F(Cycle, AMonitorWithoutRowsFiresAndRunsNothing) {
-    announceCold();
+    EXPECT_TRUE(announceCold().empty());
+    EXPECT_TRUE(m_world.effects().empty());
+    EXPECT_TRUE(m_agent->scripts.empty());
     EXPECT_EQ(m_monitor->retriggerDate(), m_world.now().plus(60));
 }
 

@@ -46,8 +46,10 @@ TEST_F(Toolbar, ANewOneHasTheTitleVigilAsTheLastUsed) {
 }
 
 TEST_F(Toolbar, ABaseThatComesToNothingGivesNone) {
+    MemoryArchive archive(m_toolbar);
     m_world.plugInHost().admitsAll = false;
     EXPECT_EQ(makePlugIn<QRVVigilToolbarPlugIn>(m_agent, m_site), nullptr);
+    EXPECT_EQ(archive.readAs<QRVVigilToolbarPlugIn>(m_agent), nullptr);
 }
 
 TEST_F(Toolbar, TheItemBearsTheBundlesIdentifierTheNameAndTheIcon) {
