@@ -6,6 +6,8 @@
 #include "host/kit/MonitorModule.hpp"
 #include "host/kit/StandardLog.hpp"
 #include "host/run/PlugInState.hpp"
+#include "host/run/StationSetup.hpp"
+#include "host/feeds/wire/MakeDecoder.hpp"
 #include "host/services/SystemClock.hpp"
 
 // How a site comes to run. Other files hold what it does then and how it ends.
@@ -72,11 +74,11 @@ Result<Done> RunningSite::restore() {
 
 void RunningSite::addStation(const StationRecord& record) {
     auto station = std::make_shared<Station>(m_world, record.name, m_scripts);
-    auto settings = StationReadings::settingsOf(record.usUnits, record.units, record.rolling);
-    if (!settings) {
-        m_troubles[record.id] = {record.name, settings.error().message};
-        m_log.logLevel(kLogProblem, record.name + ": " + settings.error().message);
-        settings = StationReadings::Settings{};
+    std::vector<std::string> problems;
+    auto settings = readingsSettings(record, problems);
+    for (const std::string& problem : problems) {
+        m_troubles[record.id] = {record.name, problem};
+        m_log.logLevel(kLogProblem, record.name + ": " + problem);
     }
     std::unique_ptr<Decoder> decoder;
     if (!record.feed.empty()) {
@@ -95,8 +97,7 @@ void RunningSite::addStation(const StationRecord& record) {
             },
     };
     m_stations[record.id] =
-        std::make_shared<RunningStation>(around, record, std::move(station), std::move(decoder),
-                                         StationReadings(std::move(settings).value()));
+        std::make_shared<RunningStation>(around, record, std::move(station), std::move(decoder), std::move(settings));
     if (m_history) m_history->named(record.id, record.name);
 }
 
@@ -126,25 +127,42 @@ void RunningSite::addPlugIn(const PlugInRecord& record) {
 }
 
 void RunningSite::start() {
-    for (Entry& entry : m_entries) {
-        if (!entry.hosted) continue;
-        if (const auto obstacle = entry.hosted->start()) {
-            entry.trouble = "it does not start: " + obstacle->description();
-            m_log.logLevel(kLogProblem, "\"" + entry.record.title + "\": " + entry.trouble);
-        } else if (m_history && entry.hosted->evaluating().value_or(true)) {
-            m_history->started(entry.record.id, m_world.now(), WatchReason::Run);
-        }
+    for (Entry& entry : m_entries)
+        startPlugIn(entry, WatchReason::Run);
+    for (const auto& [id, station] : m_stations)
+        startFeed(id);
+}
+
+void RunningSite::startPlugIn(Entry& entry, WatchReason reason) {
+    if (!entry.hosted) return;
+    if (const auto obstacle = entry.hosted->start()) {
+        entry.trouble = "it does not start: " + obstacle->description();
+        m_log.logLevel(kLogProblem, "\"" + entry.record.title + "\": " + entry.trouble);
+    } else if (m_history && entry.hosted->evaluating().value_or(true)) {
+        m_history->started(entry.record.id, m_world.now(), reason);
     }
-    for (const auto& [id, station] : m_stations) {
-        const std::string& feed = station->record().feed;
-        if (feed.empty()) continue;
-        auto url = FeedUrl::parse(feed);
-        auto added = url ? m_feeds.add(station->record().name, url.value(), station)
-                         : Result<Done>(url.error());
-        if (added) continue;
-        m_troubles[id] = {station->record().name, added.error().message};
-        station->state({FeedState::Failed, added.error().message, m_world.now()});
-    }
+}
+
+void RunningSite::startFeed(RecordId id) {
+    const auto& station = m_stations.at(id);
+    const StationRecord& record = station->record();
+    if (record.feed.empty()) return;
+    const auto url = FeedUrl::parse(record.feed);
+    const auto added = url ? m_feeds.add(record.name, url.value(), station) : Result<Done>(url.error());
+    if (added) return;
+    m_troubles[id] = {record.name, added.error().message};
+    station->state({FeedState::Failed, added.error().message, m_world.now()});
+}
+
+std::string RunningSite::startText() {
+    std::size_t active = 0;
+    for (const Entry& entry : m_entries)
+        if (entry.hosted && entry.hosted->isStarted() && entry.hosted->evaluating().value_or(true)) ++active;
+    const auto counted = [](std::size_t count, const char* what) {
+        return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+    };
+    return m_site.path() + ": " + counted(m_stations.size(), "station") + ", " +
+           counted(m_entries.size(), "monitor") + ", " + std::to_string(active) + " active";
 }
 
 }  // namespace vigil

@@ -50,11 +50,16 @@ class RunningSite {
     void start();
     /// Writes down what has changed since about a minute. At rest: outside every task.
     void tick();
+    /// Takes over what somebody changed in the site file: what is new or in another form begins, what is gone
+    /// ends, all else goes on. At rest.
+    void reload();
     /// Ends the feeds, gives up what has not begun, ends what runs, writes everything down. At rest.
     void stop();
 
     Mailbox& mailbox() { return m_world.mailbox(); }
     SiteStatus status();
+    /// "3 stations, 5 monitors, 4 of them active"
+    std::string startText();
 
   private:
     struct Entry {
@@ -65,6 +70,10 @@ class RunningSite {
         Date saved;
         std::size_t savedHash = 0;
         std::optional<Date> lastFire{};
+    };
+    struct Changes {
+        std::map<RecordId, Date> waits{};  ///< of plug-ins that were ended, by their own dates
+        std::size_t removed = 0;
     };
     struct Trouble {
         std::string station{};
@@ -77,8 +86,14 @@ class RunningSite {
     void addStation(const StationRecord& record);
     void addPlugIn(const PlugInRecord& record);
     std::shared_ptr<Station> stationOf(RecordId id) const;
+    void startPlugIn(Entry& entry, WatchReason reason);
+    void startFeed(RecordId station);
     void waitForUnfinished(const Interrupted& interrupted);
     void reportGap(const Interrupted& interrupted);
+
+    Changes removeChanged(const std::vector<StationRecord>& stations,
+                          const std::vector<PlugInRecord>& plugIns);
+    bool removeEntry(std::size_t index);
 
     void complete(std::vector<Fire> fires, std::function<void()> durable);
     void completeOnMain(const std::vector<Fire>& fires, const std::function<void()>& durable);
@@ -106,6 +121,7 @@ class RunningSite {
     StrandPool m_pool;
     Feeds m_feeds;
     Date m_since;
+    Date m_reminded;
     bool m_stopped = false;
 };
 

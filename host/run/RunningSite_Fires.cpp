@@ -14,6 +14,8 @@ namespace {
 
 /// Without a fire an archive is written at most so often, in seconds.
 constexpr double kSaveEvery = 60;
+/// Stations with rolling readings look at their ages so often.
+constexpr double kRemindEvery = 30;
 
 }  // namespace
 
@@ -91,6 +93,11 @@ void RunningSite::save(Entry& entry) {
 
 void RunningSite::tick() {
     const Date now = m_world.now();
+    if (now.secondsSince(m_reminded) >= kRemindEvery) {
+        m_reminded = now;
+        for (const auto& [id, station] : m_stations)
+            if (!station->record().rolling.empty()) station->remind();
+    }
     // A share of them each time, so that the main thread is never away for long.
     std::size_t share = m_entries.size() / 60 + 1;
     for (Entry& entry : m_entries) {

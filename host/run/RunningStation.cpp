@@ -28,12 +28,12 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 }  // namespace
 
 RunningStation::RunningStation(Surroundings around, StationRecord record, std::shared_ptr<Station> station,
-                               std::unique_ptr<Decoder> decoder, StationReadings readings)
+                               std::unique_ptr<Decoder> decoder, StationReadingsSettings settings)
     : m_around(std::move(around)),
       m_record(std::move(record)),
       m_station(std::move(station)),
       m_decoder(std::move(decoder)),
-      m_readings(std::move(readings)) {
+      m_readings(std::move(settings)) {
     m_counts.feed.since = m_around.world.now();
 }
 
@@ -104,6 +104,20 @@ RunningStation::Counts RunningStation::counts() const {
     return counts;
 }
 
+bool RunningStation::wantsPause() const {
+    const std::lock_guard lock(m_mutex);
+    return m_messages.size() >= kMessagesOfStation / 2;
+}
+
+void RunningStation::remind() {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_closed) return;
+        m_reminded = true;
+    }
+    m_around.pool.wake(shared_from_this());
+}
+
 std::optional<RawMessage> RunningStation::takeMessage() {
     const std::lock_guard lock(m_mutex);
     m_busy = !m_messages.empty();
@@ -116,54 +130,89 @@ std::optional<RawMessage> RunningStation::takeMessage() {
 Strand::Step RunningStation::step() {
     if (m_packets.empty()) {
         const auto message = takeMessage();
-        if (!message) return Step::Idle;
-        m_decoded.clear();
-        m_decoder->decode(*message, m_decoded, [this](const std::string& words) {
-            {
-                const std::lock_guard lock(m_mutex);
-                ++m_counts.drops["not read"];
-            }
-            tell(words);
-        });
-        for (Packet& packet : m_decoded)
-            m_packets.push_back(std::move(packet));
+        if (!message) return age();
+        decode(*message);
     }
     while (!m_packets.empty()) {
         const Packet packet = std::move(m_packets.front());
         m_packets.pop_front();
-        if (!announce(packet)) return Step::Wait;
+        if (!take(packet)) return Step::Wait;
     }
     return Step::More;
 }
 
-bool RunningStation::announce(const Packet& packet) {
-    const Date now = m_around.world.now();
-    auto taken = m_readings.take(packet, now);
-    const auto readingCounts = m_readings.counts();
+Strand::Step RunningStation::age() {
     {
         const std::lock_guard lock(m_mutex);
-        readingCounts.each([this](const char* why, std::uint64_t count) {
-            if (count != 0) m_counts.drops[why] = count;
-        });
-        if (taken.batch) {
-            ++m_counts.notifications;
-            m_counts.lastData = packet.arrived;
-        }
+        if (!std::exchange(m_reminded, false)) return Step::Idle;
     }
+    const Date now = m_around.world.now();
+    const auto batch = m_readings.tick(now);
+    if (batch && !announce(batch, now)) return Step::Wait;
+    return Step::More;
+}
+
+void RunningStation::decode(const RawMessage& message) {
+    m_decoded.clear();
+    m_decoder->decode(message, m_decoded, [this](const std::string& words) {
+        {
+            const std::lock_guard lock(m_mutex);
+            ++m_counts.drops["not read"];
+        }
+        tell(words);
+    });
+    for (Packet& packet : m_decoded)
+        m_packets.push_back(std::move(packet));
+}
+
+bool RunningStation::take(const Packet& packet) {
+    const Date now = m_around.world.now();
+    const Taken taken = m_readings.take(packet, now);
+    if (taken.kind != Taken::Kind::News || m_readings.counts().readingsDropped() != 0) noteDrops();
     if (!taken.batch) return true;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_counts.lastData = packet.arrived;
+    }
+    return announce(taken.batch, now);
+}
+
+void RunningStation::noteDrops() {
+    const StationReadingsCounts& counts = m_readings.counts();
+    const std::lock_guard lock(m_mutex);
+    for (const auto& [why, count] : {std::pair{"repeated", counts.repeats},
+                                     std::pair{"late", counts.late},
+                                     std::pair{"retained", counts.retained},
+                                     std::pair{"empty", counts.empty},
+                                     std::pair{"missing", counts.missing},
+                                     std::pair{"implausible", counts.implausible},
+                                     std::pair{"unreadable", counts.unreadable},
+                                     std::pair{"wrong unit", counts.wrongUnit},
+                                     std::pair{"name too long", counts.longNames},
+                                     std::pair{"key too many", counts.noPlace},
+                                     std::pair{"time ahead", counts.future},
+                                     std::pair{"clock set back", counts.jumps}})
+        if (count != 0) m_counts.drops[why] = count;
+}
+
+bool RunningStation::announce(const std::shared_ptr<const Readings>& batch, Date now) {
     const auto start = std::chrono::steady_clock::now();
-    FireDesk::Announcement announcement;
+    const FireDesk::Announcement announcement;
     CycleNotes::begin();
-    if (m_around.history) m_around.history->append(m_record.id, std::nullopt, now, taken.batch);
-    auto failures = m_station->announce(taken.batch);
+    if (m_around.history) m_around.history->append(m_record.id, std::nullopt, now, batch);
+    auto failures = m_station->announce(batch);
     m_around.notificationTimes.add(secondsSince(start));
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_counts.notifications;
+    }
     if (!failures.empty()) m_around.settle(std::move(failures));
     if (announcement.fires.empty()) return true;
-    for (const Fire& fire : announcement.fires)
-        if (m_around.history)
+    if (m_around.history)
+        for (const Fire& fire : announcement.fires)
             m_around.history->fired(m_record.id, fire.of.plugIn, now, fire.began, waitFrom(fire));
     const auto self = std::static_pointer_cast<RunningStation>(shared_from_this());
-    m_around.complete(std::move(announcement.fires), [self] { self->m_around.pool.resume(self); });
+    m_around.complete(announcement.fires, [self] { self->m_around.pool.resume(self); });
     return false;
 }
 

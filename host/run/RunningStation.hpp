@@ -43,7 +43,7 @@ class RunningStation : public Strand, public FeedSink {
     };
 
     RunningStation(Surroundings around, StationRecord record, std::shared_ptr<Station> station,
-                   std::unique_ptr<Decoder> decoder, StationReadings readings);
+                   std::unique_ptr<Decoder> decoder, StationReadingsSettings settings);
 
     const StationRecord& record() const { return m_record; }
     const std::shared_ptr<Station>& station() const { return m_station; }
@@ -51,6 +51,10 @@ class RunningStation : public Strand, public FeedSink {
     void arrived(RawMessage message) override;
     void problem(const std::string& words) override;
     void state(FeedState state) override;
+    bool wantsPause() const override;
+
+    /// Lets ages grow while nothing comes. Now and then, any thread.
+    void remind();
 
     /// Takes nothing more: what waits is dropped.
     void close();
@@ -75,8 +79,12 @@ class RunningStation : public Strand, public FeedSink {
 
   private:
     std::optional<RawMessage> takeMessage();
-    /// False when the strand has to wait.
-    bool announce(const Packet& packet);
+    Step age();
+    void decode(const RawMessage& message);
+    void noteDrops();
+    // False when the strand has to wait.
+    bool take(const Packet& packet);
+    bool announce(const std::shared_ptr<const Readings>& batch, Date now);
     void tell(const std::string& words);
 
     Surroundings m_around;
@@ -95,6 +103,7 @@ class RunningStation : public Strand, public FeedSink {
     std::optional<Date> m_toldProblem;
     bool m_closed = false;
     bool m_busy = false;
+    bool m_reminded = false;
 };
 
 }  // namespace vigil

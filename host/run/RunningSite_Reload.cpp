@@ -1,0 +1,106 @@
+#include <algorithm>
+#include <utility>
+
+#include "host/feeds/FeedUrl.hpp"
+#include "host/kit/StandardLog.hpp"
+#include "host/run/PlugInState.hpp"
+#include "host/run/RunningSite.hpp"
+
+// What somebody changed in the site file while it runs.
+
+namespace vigil {
+namespace {
+
+bool isSame(const StationRecord& a, const StationRecord& b) {
+    return a.name == b.name && a.feed == b.feed && a.usUnits == b.usUnits && a.units == b.units &&
+           a.rolling == b.rolling;
+}
+
+template <class Record>
+const Record* withId(const std::vector<Record>& records, RecordId id) {
+    const auto found = std::find_if(records.begin(), records.end(),
+                                    [id](const Record& record) { return record.id == id; });
+    return found == records.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+void RunningSite::reload() {
+    auto stations = m_site.stations();
+    auto plugIns = m_site.plugIns();
+    if (!stations || !plugIns) {
+        m_log.logLevel(kLogProblem, "the site cannot be read again, so all stays as it was: " +
+                                        (stations ? plugIns.error() : stations.error()).message);
+        return;
+    }
+    const Changes changes = removeChanged(stations.value(), plugIns.value());
+    std::size_t added = 0;
+    for (const StationRecord& record : stations.value()) {
+        if (m_stations.contains(record.id)) continue;
+        addStation(record);
+        startFeed(record.id);
+        ++added;
+    }
+    for (const PlugInRecord& record : plugIns.value()) {
+        if (entryOf(record.id)) continue;
+        addPlugIn(record);
+        Entry& entry = m_entries.back();
+        const auto before = changes.waits.find(record.id);
+        if (entry.hosted && before != changes.waits.end())
+            waitAtLeastUntil(*entry.hosted->plugIn(), before->second);
+        startPlugIn(entry, WatchReason::Changed);
+        ++added;
+    }
+    m_log.logLevel(kLogNotice, "the site was read again: " + std::to_string(changes.removed) +
+                                   " stations and monitors ended, " + std::to_string(added) + " began");
+}
+
+/// Ends what is not there any more, and what is there in another form.
+RunningSite::Changes RunningSite::removeChanged(const std::vector<StationRecord>& stations,
+                                                const std::vector<PlugInRecord>& plugIns) {
+    Changes changes;
+    std::vector<RecordId> ended;
+    for (const auto& [id, running] : m_stations) {
+        const StationRecord* record = withId(stations, id);
+        if (!record || !isSame(*record, running->record())) ended.push_back(id);
+    }
+    for (std::size_t i = m_entries.size(); i-- > 0;) {
+        Entry& entry = m_entries[i];
+        const PlugInRecord* record = withId(plugIns, entry.record.id);
+        const bool stationEnded =
+            std::find(ended.begin(), ended.end(), entry.record.station) != ended.end();
+        if (record && !stationEnded && record->edition == entry.record.edition) continue;
+        // A wait is the plug-in's own, whatever else somebody has set.
+        if (const auto wait = entry.hosted ? retriggerDate(*entry.hosted->plugIn()) : std::nullopt)
+            changes.waits[entry.record.id] = *wait;
+        if (!removeEntry(i)) continue;
+        ++changes.removed;
+    }
+    for (const RecordId id : ended) {
+        const auto station = m_stations.extract(id).mapped();
+        station->close();
+        m_feeds.remove(station->record().name);
+        m_troubles.erase(id);
+        ++changes.removed;
+    }
+    return changes;
+}
+
+/// False where it does not let itself be stopped.
+bool RunningSite::removeEntry(std::size_t index) {
+    Entry& entry = m_entries[index];
+    if (entry.hosted) {
+        const auto plugIn = entry.hosted->plugIn();
+        if (const auto obstacle = m_plugIns.remove(*plugIn)) {
+            m_log.logLevel(kLogProblem, "\"" + entry.record.title +
+                                            "\" was changed and does not stop: " + obstacle->description());
+            return false;
+        }
+        m_world.fires().dismiss(*plugIn);
+        if (m_history) m_history->stopped(entry.record.id, m_world.now(), WatchReason::Changed);
+    }
+    m_entries.erase(m_entries.begin() + static_cast<std::ptrdiff_t>(index));
+    return true;
+}
+
+}  // namespace vigil
