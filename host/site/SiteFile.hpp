@@ -15,6 +15,7 @@ namespace vigil {
 
 class SiteDatabase;
 class SiteLock;
+struct SiteSchema;
 
 /// Why a site file could not be opened. The message names the file and what to do.
 struct SiteError {
@@ -70,6 +71,10 @@ class SiteFile {
     /// Writing takes the lock beside the file for as long as this object lives, brings an older version up to
     /// date, and checks a file that was not closed cleanly.
     static Result<std::unique_ptr<SiteFile>, SiteError> open(const std::string& path, Access access);
+
+    /// The same for tables of another version than this program's own; tests of coming versions use it.
+    static Result<std::unique_ptr<SiteFile>, SiteError> open(const std::string& path, Access access,
+                                                             const SiteSchema& schema);
 
     SiteFile(const SiteFile&) = delete;
     SiteFile& operator=(const SiteFile&) = delete;

@@ -36,7 +36,7 @@ struct PlugInRecord {
 struct FireRecord {
     RecordId id = 0;
     RecordId plugIn = 0;
-    Date time;
+    Date time{};
     bool completed = false;
 };
 
@@ -53,7 +53,7 @@ struct EffectRecord {
     Kind kind = Script;
     std::string what{};  ///< "gust.sh roof", "bell.wav", the text spoken
     State state = Queued;
-    Date queued;
+    Date queued{};
     std::optional<Date> started{};  ///< of Started; of Ended where it had begun
     std::optional<Date> ended{};    ///< of Ended
     std::string result{};           ///< of Ended: "succeeded", "failed", "interrupted", …

@@ -11,7 +11,6 @@
 #include <string>
 #include <thread>
 #include <variant>
-#include <vector>
 
 #include "host/site/SiteFile.hpp"
 #include "host/site/SiteRecords.hpp"
@@ -51,7 +50,7 @@ struct SiteWriterState {
 /// Any thread may call any member but `stop`. `Committed` is called exactly once a write: on the writer's
 /// thread in the order of the writes, and then the write is on the disk or the error says why it is not; or,
 /// where a write is refused (no place, or stopped already), before the call returns, on the calling thread.
-/// It must not wait, nor call `stop`.
+/// It must not wait, throw, nor call `stop`.
 ///
 /// When a commit fails (a full disk, a failing one), everything that waits hears of it at once, and all that
 /// follows until it works again; the writes themselves are kept in their order and tried again until they
@@ -97,9 +96,20 @@ class SiteWriter {
         Committed committed;
         std::size_t bytes;
     };
+    struct Work;
 
-    void take(Record record, Committed committed);
+    void take(Write write);
+    std::string refusal(const Write& write);  // with the mutex; empty: there is a place
+
+    // On the writer's thread.
     void run();
+    void attempt(Work& work);
+    void tell(Work& work);
+    void note(Work& work, bool last);  // with the mutex
+    static Result<Done> apply(SiteBatch& batch, const FireRecord& fire);
+    static Result<Done> apply(SiteBatch& batch, const EffectRecord& effect);
+    static Result<Done> apply(SiteBatch& batch, const PlugInRecord& plugIn);
+    static Result<Done> apply(SiteBatch& batch, const Completion& completion);
 
     SiteFile& m_site;
     const SiteWriterOptions m_options;

@@ -1,0 +1,134 @@
+#include <string>
+#include <utility>
+
+#include "host/site/SiteBatch.hpp"
+#include "host/site/SiteDatabase.hpp"
+#include "host/site/SiteFile.hpp"
+#include "host/site/SiteRows.hpp"
+#include "host/site/SiteSql.hpp"
+
+namespace vigil {
+namespace {
+
+constexpr const char* kHighestId =
+    "SELECT max((SELECT value FROM meta WHERE name = 'highestId'), "
+    "ifnull((SELECT max(id) FROM fires), 0), ifnull((SELECT max(id) FROM effects), 0))";
+
+std::string whatIsKnown(const EffectRecord& effect) {
+    if (!effect.started) return "it did not begin: the program stopped before";
+    if (effect.kind == EffectRecord::Mail || effect.kind == EffectRecord::Sms)
+        return "may have been sent: the program stopped before the answer came";
+    return "the program stopped while it was under way";
+}
+
+EffectRecord interrupted(EffectRecord effect, Date now) {
+    effect.detail = whatIsKnown(effect) + (effect.detail.empty() ? "" : "\n") + effect.detail;
+    effect.state = EffectRecord::Ended;
+    effect.ended = now;
+    effect.result = "interrupted";
+    return effect;
+}
+
+std::vector<EffectRecord> readEffects(SQLite::Statement& query) {
+    std::vector<EffectRecord> all;
+    while (query.executeStep())
+        all.push_back(readEffect(query));
+    return all;
+}
+
+std::string allEffects(const std::string& rest) {
+    return std::string("SELECT ") + kEffectColumns + " FROM effects " + rest;
+}
+
+/// Inside a transaction.
+std::size_t forget(SQLite::Database& database, Date before) {
+    database.exec(std::string("UPDATE meta SET value = (") + kHighestId + ") WHERE name = 'highestId'");
+    std::size_t gone = 0;
+    for (const char* which : {"DELETE FROM effects WHERE queued < ? AND state = 'ended'",
+                              "DELETE FROM fires WHERE time < ? AND completed = 1"}) {
+        SQLite::Statement remove(database, which);
+        remove.bind(1, before.secondsSinceReference());
+        gone += static_cast<std::size_t>(remove.exec());
+    }
+    return gone;
+}
+
+bool hasOlder(SQLite::Database& database, Date before) {
+    SQLite::Statement query(database,
+                            "SELECT EXISTS (SELECT 1 FROM effects WHERE queued < ?1 AND state = 'ended') "
+                            "OR EXISTS (SELECT 1 FROM fires WHERE time < ?1 AND completed = 1)");
+    query.bind(1, before.secondsSinceReference());
+    return query.executeStep() && query.getColumn(0).getInt() != 0;
+}
+
+}  // namespace
+
+Result<Interrupted> SiteFile::openLedger(Date now) {
+    return asked<Interrupted>(m_path, [&]() -> Result<Interrupted> {
+        SQLite::Database& database = m_database->sql();
+        Interrupted found;
+        SQLite::Statement fires(
+            database, std::string("SELECT ") + kFireColumns + " FROM fires WHERE completed = 0 ORDER BY id");
+        while (fires.executeStep())
+            found.fires.push_back(readFire(fires));
+        SQLite::Statement open(database, allEffects("WHERE state <> 'ended' ORDER BY id"));
+        for (EffectRecord& effect : readEffects(open))
+            found.effects.push_back(interrupted(std::move(effect), now));
+        const Date before = now.plus(-kKeptSeconds);
+        if (found.effects.empty() && !hasOlder(database, before)) return found;
+        const auto written = inTransaction(*m_database, [&]() -> Result<Done> {
+            SQLite::Statement put(database, kPutEffect);
+            for (const EffectRecord& effect : found.effects) {
+                bindEffect(put, effect);
+                put.exec();
+                put.reset();
+            }
+            forget(database, before);
+            return Done{};
+        });
+        if (!written) return written.error();
+        return found;
+    });
+}
+
+Result<std::vector<EffectRecord>> SiteFile::effects(const EffectQuery& query) const {
+    return asked<std::vector<EffectRecord>>(m_path, [&] {
+        std::string where = "WHERE true";
+        if (query.since) where += " AND queued >= :since";
+        if (query.title) where += " AND title = :title";
+        if (query.station) where += " AND station = :station";
+        SQLite::Statement newest(m_database->sql(),
+                                 "SELECT * FROM (" +
+                                     allEffects(where + " ORDER BY queued DESC, id DESC LIMIT :limit") +
+                                     ") ORDER BY queued, id");
+        if (query.since) newest.bind(":since", query.since->secondsSinceReference());
+        if (query.title) newest.bind(":title", *query.title);
+        if (query.station) newest.bind(":station", *query.station);
+        newest.bind(":limit", static_cast<std::int64_t>(query.limit));
+        return readEffects(newest);
+    });
+}
+
+Result<std::optional<FireRecord>> SiteFile::fire(RecordId id) const {
+    using Found = std::optional<FireRecord>;
+    return asked<Found>(m_path, [&] {
+        SQLite::Statement query(m_database->sql(),
+                                std::string("SELECT ") + kFireColumns + " FROM fires WHERE id = ?");
+        query.bind(1, id);
+        return query.executeStep() ? Found(readFire(query)) : Found();
+    });
+}
+
+Result<std::size_t> SiteFile::prune(Date before) {
+    return asked<std::size_t>(m_path, [&] {
+        return inTransaction(*m_database,
+                             [&] { return Result<std::size_t>(forget(m_database->sql(), before)); });
+    });
+}
+
+Result<RecordId> SiteFile::highestId() const {
+    return asked<RecordId>(m_path,
+                           [&] { return RecordId{m_database->sql().execAndGet(kHighestId).getInt64()}; });
+}
+
+}  // namespace vigil
