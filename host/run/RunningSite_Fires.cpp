@@ -63,7 +63,7 @@ void RunningSite::completeOnMain(const std::vector<Fire>& fires, const std::func
         if (m_history) m_history->archived(entry->record, entry->saved, ArchiveReason::Saved);
         m_log.logLevel(kLogNotice, "\"" + entry->record.title + "\" fired (" + fire.of.station + ")");
         m_writer.completeFire(fire.id, entry->record,
-                              [this, pending, title = entry->record.title](const Result<Done>& done) mutable {
+                              [this, pending = std::shared_ptr<Pending>(pending), title = entry->record.title](const Result<Done>& done) mutable {
                                   if (!done)
                                       m_log.logLevel(kLogProblem, "the fire of \"" + title +
                                                                       "\" is not written down: " +

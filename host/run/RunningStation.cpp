@@ -190,7 +190,7 @@ void RunningStation::noteDrops() {
                                      std::pair{"wrong unit", counts.wrongUnit},
                                      std::pair{"name too long", counts.longNames},
                                      std::pair{"key too many", counts.noPlace},
-                                     std::pair{"time ahead", counts.future},
+                                     std::pair{"wrong time", counts.wrongTimes},
                                      std::pair{"clock set back", counts.jumps}})
         if (count != 0) m_counts.drops[why] = count;
 }

@@ -50,8 +50,8 @@ struct SiteStatus {
     std::string site{};  ///< the path of its file
     std::string version{};
     long pid = 0;
-    Date since;
-    Date now;
+    Date since{};
+    Date now{};
     std::vector<StationStatus> stations{};
     std::vector<std::string> problems{};  ///< what is wrong now, in words; empty: all is well
     std::map<std::pair<std::string, std::string>, std::uint64_t> actions{};  ///< by kind and result

@@ -30,6 +30,9 @@ struct PlugInRecord {
     std::string className{};
     std::string title{};    ///< unique in its site
     std::string archive{};  ///< its keyed archive
+    /// How often people have changed it. What a run saves of an older edition is refused, so that a change
+    /// made meanwhile is not lost.
+    std::int64_t edition = 0;
 };
 
 /// A fire of a plug-in: written before anything that it does, and again when it is over.

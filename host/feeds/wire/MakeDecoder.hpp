@@ -10,7 +10,7 @@ namespace vigil {
 
 /// Where a time on a wall clock stands on the time line. `wallClock` is the time as if it were UTC; of two
 /// instants that show the same (an hour that comes twice) the one nearer to `near` is meant.
-using LocalTime = std::function<Date(Date wallClock, Date near)>;
+using WallClockZone = std::function<Date(Date wallClock, Date near)>;
 
 /// By the zone of this process (TZ, else that of the machine). Any thread.
 Date hostLocalTime(Date wallClock, Date near);
@@ -19,6 +19,6 @@ Date hostLocalTime(Date wallClock, Date near);
 /// looks like: lines (it has `readings`), rtl433 (it has a `model`) or weewx. Every decoder also takes
 /// messages with `ready` readings; their `route` is the station's name in the data. `localTime` is asked for
 /// times that name no zone where the form means the sender's own.
-std::unique_ptr<Decoder> makeDecoder(const FeedUrl& url, LocalTime localTime = hostLocalTime);
+std::unique_ptr<Decoder> makeDecoder(const FeedUrl& url, WallClockZone localTime = hostLocalTime);
 
 }  // namespace vigil
