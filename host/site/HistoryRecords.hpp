@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "host/site/SiteRecords.hpp"
 #include "host_contract/Readings.hpp"
@@ -27,6 +28,8 @@ enum class WatchReason : std::uint8_t {
 
 /// "run", "switched", "changed", "failed", "unknown"
 const char* watchReasonName(WatchReason reason);
+/// The other way round; a name that is none reads as `Unknown`.
+WatchReason watchReasonNamed(std::string_view name);
 
 /// Why a plug-in's archive was taken down.
 enum class ArchiveReason : std::uint8_t {
@@ -34,6 +37,10 @@ enum class ArchiveReason : std::uint8_t {
     Edited,  ///< the user changed it while it watched; from here on it judges by this one
     Saved,   ///< its own state moved on (a wait, a snapshot)
 };
+
+/// "began", "edited", "saved", and the other way round; a name that is none reads as `Saved`.
+const char* archiveReasonName(ArchiveReason reason);
+ArchiveReason archiveReasonNamed(std::string_view name);
 
 /// One notification as it was announced.
 struct StoredNotification {

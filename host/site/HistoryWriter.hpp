@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "host/site/HistoryCounts.hpp"
 #include "host/site/HistoryRecords.hpp"
 #include "platform/Result.hpp"
 
@@ -25,22 +26,13 @@ struct HistoryOptions {
     HistoryTeller tell{};
 };
 
-struct HistoryCounts {
-    std::uint64_t appended = 0;  ///< notifications handed over, the lost ones included
-    std::uint64_t written = 0;   ///< committed
-    std::uint64_t refused = 0;   ///< the queue was full: the newest is refused
-    std::uint64_t failed = 0;    ///< the file refused them (a full disk)
-    std::uint64_t deleted = 0;   ///< by the retention
-    std::uint64_t queued = 0;    ///< waiting now
-};
-
 /// Writes the history of a site: one packed row a notification, the fires, and who watched when. A thread of
 /// its own packs and inserts; what is appended is committed in groups. What cannot be kept up with is refused
 /// and written down as a loss, so that nobody takes a hole for silence. One writer a file.
 ///
 /// A history is disposable: a damaged file is set aside as "…-history.damaged-2026-11-21T103418Z" (the time
 /// of its last change) with a sentence, and a new one is begun. Where the last writer did not close the file,
-/// it is checked whole on the writer's thread before anything is written, while callers go on.
+/// it is checked whole beside the writing, and set aside should it turn out to be damaged.
 ///
 /// Every member may be called from any thread. What is told of one station by one thread is kept in its
 /// order.
@@ -53,7 +45,8 @@ class HistoryWriter {
     /// Writes what waits, and closes the file.
     ~HistoryWriter();
 
-    /// A notification, after it was announced or just before. Costs the caller a push into a queue.
+    /// A notification, after it was announced or just before. Costs the caller a push into a queue. One whose
+    /// date is not finite is refused.
     void append(RecordId station, std::optional<std::uint64_t> sequence, Date started,
                 std::shared_ptr<const Readings> batch);
     /// A fire, when its actions have ended. `started` is that of its notification, to the bit;

@@ -1,0 +1,95 @@
+#include "host/site/HistoryFile.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+
+#include <sqlite3.h>
+
+#include "host/site/HistoryFile_Tables.hpp"
+#include "platform/Date.hpp"
+
+namespace vigil {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kBusyMilliseconds = 5000;
+
+int pragmaNumber(SQLite::Database& database, const char* name) {
+    return database.execAndGet(std::string("PRAGMA ") + name).getInt();
+}
+
+[[noreturn]] void refuse(const std::string& why) {
+    throw SQLite::Exception(why, SQLITE_NOTADB);
+}
+
+void checkIdentity(SQLite::Database& database) {
+    if (pragmaNumber(database, "application_id") != kHistoryApplicationId) refuse("it is no history");
+    if (pragmaNumber(database, "user_version") > kHistoryVersion) refuse("a newer version has written it");
+}
+
+void make(SQLite::Database& database) {
+    database.exec("BEGIN IMMEDIATE");
+    database.exec(kHistoryTables);
+    database.exec("PRAGMA application_id = " + std::to_string(kHistoryApplicationId));
+    database.exec("PRAGMA user_version = " + std::to_string(kHistoryVersion));
+    database.exec("COMMIT");
+}
+
+Date lastChange(const fs::path& file) {
+    std::error_code failed;
+    const auto changed = fs::last_write_time(file, failed);
+    if (failed) return Date();
+    const auto unix = std::chrono::file_clock::to_sys(changed).time_since_epoch();
+    return Date::fromUnix(std::chrono::duration<double>(unix).count());
+}
+
+}  // namespace
+
+bool isDamage(const SQLite::Exception& what) {
+    constexpr int kPrimary = 0xFF;
+    const int code = what.getErrorCode() & kPrimary;
+    return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+}
+
+std::unique_ptr<SQLite::Database> openHistoryForWriting(const std::string& file) {
+    auto database = std::make_unique<SQLite::Database>(
+        file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX, kBusyMilliseconds);
+    // A page of the cache that is not needed costs nothing; a small one keeps a service of one station small.
+    database->exec("PRAGMA cache_size = -1024");
+    const bool empty = pragmaNumber(*database, "page_count") == 0;
+    if (!empty) checkIdentity(*database);
+    database->exec("PRAGMA journal_mode = WAL");
+    database->exec("PRAGMA synchronous = NORMAL");
+    database->exec("PRAGMA journal_size_limit = 4194304");
+    if (empty) make(*database);
+    return database;
+}
+
+std::unique_ptr<SQLite::Database> openHistoryForReading(const std::string& file) {
+    auto database = std::make_unique<SQLite::Database>(file, SQLite::OPEN_READONLY | SQLite::OPEN_NOMUTEX,
+                                                       kBusyMilliseconds);
+    database->exec("PRAGMA cache_size = -4096");
+    checkIdentity(*database);
+    return database;
+}
+
+Result<std::string> setHistoryAside(const std::string& file) {
+    std::string when = lastChange(file).isoText();
+    when.erase(std::remove(when.begin(), when.end(), ':'), when.end());
+    const std::string stem = file + ".damaged-" + when;
+    std::string to = stem;
+    for (int i = 2; fs::exists(to) || fs::exists(to + "-wal"); ++i)
+        to = stem + "-" + std::to_string(i);
+    std::error_code failed;
+    fs::rename(file, to, failed);
+    if (failed) return Error{"cannot rename " + file + ": " + failed.message()};
+    // The log belongs to the old file: it must neither be lost nor be taken for the new one's.
+    fs::rename(file + "-wal", to + "-wal", failed);
+    fs::remove(file + "-shm", failed);
+    return to;
+}
+
+}  // namespace vigil

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+
+#include "host/site/HistoryLayout.hpp"
+#include "host/site/HistoryReader.hpp"
+#include "host/site/HistoryRow.hpp"
+
+namespace vigil {
+
+/// Rows of one station, unpacked one after another, over a connection of its own that holds the file as it is
+/// now. Throws SQLite::Exception where the file cannot be opened. One thread at a time.
+class StoredSource final : public HistorySource {
+  public:
+    /// All rows of the range, in the order in which they came.
+    StoredSource(std::string path, RecordId station, const HistoryRange& range);
+    /// Only the last one at `at` or before.
+    StoredSource(std::string path, RecordId station, std::optional<Date> at);
+
+    Result<std::optional<StoredNotification>> next() override;
+
+  private:
+    Result<std::optional<StoredNotification>> unpack();
+    const HistoryLayout& layout(std::int64_t id);
+    std::optional<std::string> text(std::uint64_t number);
+
+    const std::string m_path;
+    const RecordId m_station;
+    const std::unique_ptr<SQLite::Database> m_database;
+    SQLite::Statement m_rows;  // their numbers, sorted
+    SQLite::Statement m_row;
+    SQLite::Statement m_text;
+    std::unordered_map<std::int64_t, HistoryLayout> m_layouts;
+    std::unordered_map<std::uint64_t, std::string> m_texts;
+};
+
+}  // namespace vigil

@@ -1,0 +1,106 @@
+#include "host/site/HistoryWriter_Thread.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/site/HistoryFile.hpp"
+
+namespace vigil {
+namespace {
+
+/// Of fires, watches and archives that the file refused so many wait for it to take them again.
+constexpr std::size_t kMostKept = 10000;
+
+}  // namespace
+
+HistoryWriter::Thread::Thread(HistoryLock lock, std::string path, HistoryOptions options)
+    : queue(options.mostQueued, options.flushEvery),
+      file(std::move(path)),
+      m_lock(std::move(lock)),
+      m_options(std::move(options)),
+      m_retention(m_options.retentionDays) {}
+
+HistoryWriter::Thread::~Thread() {
+    queue.close();
+    if (m_thread.joinable()) m_thread.join();
+}
+
+void HistoryWriter::Thread::begin() {
+    m_thread = std::thread([this] { run(); });
+}
+
+void HistoryWriter::Thread::run() {
+    std::vector<HistoryEvent> taken;
+    while (queue.take(taken)) {
+        lookAtCheck();
+        if (!taken.empty()) write(taken);
+        taken.clear();
+    }
+    try {
+        // A file that is still being checked counts as not closed, so that the next writer checks it again.
+        if (m_store && (!m_check || m_check->isOver())) m_store->close();
+    } catch (const SQLite::Exception& what) {
+        tell("The history " + file + " could not be closed: " + what.what() + ".");
+    }
+}
+
+void HistoryWriter::Thread::write(const std::vector<HistoryEvent>& taken) {
+    for (bool again = true;; again = false) {
+        try {
+            if (!m_store) openStore();
+            const std::uint64_t written = insert(taken);
+            m_kept.clear();
+            for (const HistoryEvent& event : taken)
+                m_context.note(event);
+            if (std::exchange(m_failing, false)) tell("The history " + file + " is being written again.");
+            return queue.done(written, {}, std::exchange(m_deleted, 0));
+        } catch (const SQLite::Exception& what) {
+            m_store.reset();  // rolls back
+            if (again && isDamage(what) && beginAnew(what.what())) continue;
+            return giveUp(taken, what.what());
+        }
+    }
+}
+
+std::uint64_t HistoryWriter::Thread::insert(const std::vector<HistoryEvent>& events) {
+    std::uint64_t written = 0;
+    const auto put = [this](const HistoryEvent& event) {
+        std::visit([this](const auto& what) { m_store->put(what); }, event);
+    };
+    m_store->begin();
+    for (const HistoryEvent& event : m_kept)
+        put(event);
+    for (const HistoryEvent& event : events) {
+        put(event);
+        const auto* notification = std::get_if<StoredNotification>(&event);
+        if (!notification) continue;
+        ++written;
+        m_newest = std::max(m_newest, notification->started);
+    }
+    if (written > 0) m_deleted = m_retention.step(m_store->database(), m_newest, written);
+    m_store->commit();
+    return written;
+}
+
+void HistoryWriter::Thread::giveUp(const std::vector<HistoryEvent>& taken, const std::string& why) {
+    if (!std::exchange(m_failing, true)) tell("The history " + file + " cannot be written: " + why + ".");
+    std::vector<StoredLoss> lost;
+    std::uint64_t count = 0;
+    for (const HistoryEvent& event : taken) {
+        if (const auto* loss = std::get_if<StoredLoss>(&event)) lost.push_back(*loss);
+        const auto* notification = std::get_if<StoredNotification>(&event);
+        if (!notification && !std::holds_alternative<StoredLoss>(event) && m_kept.size() < kMostKept)
+            m_kept.push_back(event);
+        if (!notification) continue;
+        lost.push_back({notification->station, notification->started, notification->started, 1});
+        ++count;
+    }
+    queue.countFailed(count);
+    queue.done(0, lost, 0);
+}
+
+void HistoryWriter::Thread::tell(const std::string& sentence) const {
+    if (m_options.tell) m_options.tell(sentence);
+}
+
+}  // namespace vigil
