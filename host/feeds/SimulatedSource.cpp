@@ -36,7 +36,7 @@ class SimulatedSource final : public RecordedSource {
             const KnownReading* known = knownReading(key);
             m_labels.push_back(std::make_shared<const AgentPropertyLabel>(
                 AgentPropertyLabel{std::string(key), std::string(known->name),
-                                   std::string(isWindSpeed(key) ? "km/h" : known->metric), known->kind}));
+                                   std::string(isWindSpeed(key) ? "km/h" : known->unit(UnitSystem::Metric)), known->kind}));
             keys.emplace_back(key);
         }
         m_table = KeyTable::make(std::move(keys));

@@ -7,10 +7,10 @@
 namespace vigil {
 namespace {
 
-constexpr double kWarmest = 10;          // °C, of the wind chill
-constexpr double kStillest = 4.8 / 3.6;  // m/s, of the wind chill
-constexpr double kCoolest = 26.7;        // °C, of the heat index
-constexpr double kDriest = 40;           // %, of the heat index
+constexpr double kWarmest = 10;                   // °C, of the wind chill
+constexpr double kStillest = 4.8 / 3.6;           // m/s, of the wind chill
+constexpr double kCoolest = (80 - 32) * 5 / 9.0;  // °C, of the heat index: 80 °F
+constexpr double kDriest = 40;                    // %, of the heat index
 constexpr double kMagnusFactor = 17.62;
 constexpr double kMagnusOffset = 243.12;
 

@@ -17,7 +17,7 @@ double dewPoint(double temperature, double humidity);
 /// The relative humidity that makes `dew` the dew point: the same formula turned round, at most 100.
 double humidityOfDewPoint(double temperature, double dew);
 
-/// The regression of Rothfusz (1990), defined from 26.7 °C (80 °F) and 40 %; beyond that it is the
+/// The regression of Rothfusz (1990), defined from 80 °F (26.67 °C) and 40 %; beyond that it is the
 /// temperature.
 double heatIndex(double temperature, double humidity);
 
