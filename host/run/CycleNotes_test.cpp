@@ -2,8 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/Object.hpp"
+
 namespace vigil {
 namespace {
+
+class Named : public Object {
+  public:
+    std::string className() const override { return "Named"; }
+};
 
 CycleReport report(CycleOutcome outcome, std::optional<Date> next = {}) {
     CycleReport made;
@@ -17,7 +24,7 @@ TEST(CycleNotes, CountsByOutcomeAndKeepsTheLast) {
     CycleNotes notes(times);
     EXPECT_FALSE(notes.last());
     CycleNotes::begin();
-    const Object plugIn;
+    const Named plugIn;
     notes.cycleEnded(plugIn, report(CycleOutcome::Missed));
     notes.cycleEnded(plugIn, report(CycleOutcome::Fired, Date(60)));
     notes.cycleEnded(plugIn, report(CycleOutcome::Waiting, Date(60)));
@@ -33,7 +40,7 @@ TEST(CycleNotes, CountsByOutcomeAndKeepsTheLast) {
 TEST(CycleNotes, AWaitIsNoChangeWorthSaving) {
     CycleTimes times;
     CycleNotes notes(times);
-    const Object plugIn;
+    const Named plugIn;
     notes.cycleEnded(plugIn, report(CycleOutcome::Waiting));
     EXPECT_FALSE(notes.takeChanged());
     notes.cycleEnded(plugIn, report(CycleOutcome::Missed));
