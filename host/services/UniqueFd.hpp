@@ -20,6 +20,8 @@ class UniqueFd {
 
     int get() const { return m_fd; }
     explicit operator bool() const { return m_fd >= 0; }
+    /// Whoever asks owns it from now on.
+    int release() { return std::exchange(m_fd, -1); }
     void reset() {
         // a second close after EINTR could hit a descriptor that another thread has just got
         if (m_fd >= 0) ::close(std::exchange(m_fd, -1));

@@ -15,6 +15,12 @@ void FeedOutlet::arrived(RawMessage message) {
     m_options.sink->arrived(std::move(message));
 }
 
+void FeedOutlet::arrivedLine(std::string_view line) {
+    RawMessage message;
+    message.payload = line;
+    arrived(std::move(message));
+}
+
 void FeedOutlet::leftOut(LeftOut kind, const std::string& words) {
     const std::lock_guard lock(m_mutex);
     if (!m_options.sink) return;

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "host/feeds/live/FeedCounts.hpp"
 #include "host/feeds/live/FeedSink.hpp"
@@ -36,6 +37,8 @@ class FeedOutlet {
 
     /// Stamps the message with the clock and brings it.
     void arrived(RawMessage message);
+    /// A message of these bytes.
+    void arrivedLine(std::string_view line);
     /// Counts, and tells the sink unless one of the kind was told a short while ago.
     void leftOut(LeftOut kind, const std::string& words);
     /// The same state as before is not told again.

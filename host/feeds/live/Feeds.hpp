@@ -16,16 +16,16 @@ namespace vigil {
 /// The running feeds of a site. Stations whose feeds share an address (a port, a broker) share what runs.
 /// One thread adds, starts and removes; sinks are called on the feeds' threads.
 ///
-/// Options behind the "?" of a URL:
+/// What of a URL is of interest here, apart from the address (docs/feeds.md has all of it):
 ///
-///     upload:     id=ID            takes uploads of this identity (PASSKEY, ID) alone, in any case of
-///     letters mqtt:       user=NAME secret=NAME ca=FILE client=ID qos=0|1|2 lines:      from=start|end where
-///     a file that is there is begun; "end" unless said csv:        speed=N          N times as fast as
-///     recorded, 0 as fast as it is taken; 60 unless said
-///                 shift=now|keep   times as if it were recorded now, or as they stand; "now" unless said
-///                 time=COLUMN station=NAME units=metric|us
-///     simulated:  seed=N step=S    S seconds of weather from one notification to the next, 300 unless said
-///                 speed=N          N times as fast as real weather, `step` unless said: one a second
+///     upload:     id=ID             takes uploads of this identity alone, in any case of letters
+///     mqtt:       secret=NAME ca=FILE client=ID qos=0|1|2, and the user in front of the host
+///     lines:      from=start|end    where a file that is there is begun; "end" unless said
+///     csv:        speed=N           N times as fast as recorded, 0 as fast as it is taken; 60 unless said
+///                 shift=now|keep    times as if it were recorded now, or as they stand; "now" unless said
+///                 time-column=NAME station-column=NAME station=NAME separator=C units=metric|us
+///     simulated:  seed=N step=S     S seconds of weather from one notification to the next, 300 unless said
+///                 speed=N           N times as fast as real weather, `step` unless said: one a second
 class Feeds {
   public:
     struct Context {
