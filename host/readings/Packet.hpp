@@ -38,7 +38,7 @@ struct Packet {
     std::optional<Date> time{};  ///< absent: when it arrived
     Date arrived;
     bool retained = false;  ///< kept by a broker from before: shown, but not news
-    std::vector<PacketReading> readings;
+    std::vector<PacketReading> readings{};
 };
 
 }  // namespace vigil
