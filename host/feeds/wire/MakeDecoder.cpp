@@ -77,7 +77,7 @@ class UploadDecoder final : public SafeDecoder {
 
 class TextDecoder final : public SafeDecoder {
   public:
-    TextDecoder(const FeedUrl& url, LocalTime localTime)
+    TextDecoder(const FeedUrl& url, WallClockZone localTime)
         : m_form(formNamed(url.option("form").value_or(""))),
           m_lines(url),
           m_rtl433(url, std::move(localTime)),
@@ -129,7 +129,7 @@ class TextDecoder final : public SafeDecoder {
 
 }  // namespace
 
-std::unique_ptr<Decoder> makeDecoder(const FeedUrl& url, LocalTime localTime) {
+std::unique_ptr<Decoder> makeDecoder(const FeedUrl& url, WallClockZone localTime) {
     if (url.kind == FeedUrl::Kind::Upload) return std::make_unique<UploadDecoder>(url);
     return std::make_unique<TextDecoder>(url, std::move(localTime));
 }

@@ -62,7 +62,7 @@ std::optional<PacketReading> readingOf(std::string_view member, const JsonValue&
 
 }  // namespace
 
-Rtl433Reader::Rtl433Reader(const FeedUrl& url, LocalTime localTime) : m_choice(url) {
+Rtl433Reader::Rtl433Reader(const FeedUrl& url, WallClockZone localTime) : m_choice(url) {
     if (url.option("time") != "utc") m_localTime = std::move(localTime);
 }
 

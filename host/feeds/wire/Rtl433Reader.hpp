@@ -18,7 +18,7 @@ namespace vigil {
 /// releases. One thread at a time.
 class Rtl433Reader {
   public:
-    Rtl433Reader(const FeedUrl& url, LocalTime localTime);
+    Rtl433Reader(const FeedUrl& url, WallClockZone localTime);
 
     void take(const simdjson::dom::object& given, const RawMessage& message, std::vector<Packet>& packets,
               const DecodeProblem& problem);
@@ -28,7 +28,7 @@ class Rtl433Reader {
                                const DecodeProblem& problem) const;
 
     SensorChoice m_choice;
-    LocalTime m_localTime;  // empty: times without a zone are UTC
+    WallClockZone m_localTime;  // empty: times without a zone are UTC
 };
 
 }  // namespace vigil

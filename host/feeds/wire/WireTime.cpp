@@ -14,7 +14,7 @@ bool namesZone(std::string_view text) {
 
 }  // namespace
 
-Result<std::optional<Date>> wireTime(std::string_view text, Date arrived, const LocalTime& localTime) {
+Result<std::optional<Date>> wireTime(std::string_view text, Date arrived, const WallClockZone& localTime) {
     if (text.starts_with('@')) return std::optional<Date>();
     if (const auto seconds = numberInText(text)) {
         const auto date = timeFromUnixSeconds(*seconds);
