@@ -55,9 +55,9 @@ std::string jsonLine(const EffectRecord& effect) {
 }
 
 void print(const EffectRecord& effect, Output& output) {
-    output.print("{}  {}{}  {} \"{}\"  {}{}\n", localText(effect.queued), effect.title.empty() ? "?" : effect.title,
-                 effect.fire == 0 ? " (test)" : "", effectKindName(effect.kind), effect.what,
-                 isFailure(effect) ? "! " : "", stateText(effect));
+    output.print("{}  {}{}  {} \"{}\"  {}{}\n", localText(effect.queued),
+                 effect.title.empty() ? "?" : effect.title, effect.fire == 0 ? " (test)" : "",
+                 effectKindName(effect.kind), effect.what, isFailure(effect) ? "! " : "", stateText(effect));
     std::string detail = effect.detail;
     for (std::size_t begin = 0; begin < detail.size();) {
         const std::size_t end = std::min(detail.find('\n', begin), detail.size());
@@ -108,7 +108,8 @@ void addActionsCommand(CLI::App& app, CommandContext& context) {
     addSiteOption(*command, options->site);
     command->add_option("--monitor", options->monitor, "Of this monitor only")->type_name("TITLE");
     command->add_option("--station", options->station, "Of this station only")->type_name("NAME");
-    command->add_option("--since", options->since, "From this time on, as 2026-11-21T10:00:00Z")->type_name("TIME");
+    command->add_option("--since", options->since, "From this time on, as 2026-11-21T10:00:00Z")
+        ->type_name("TIME");
     command->add_option("--limit", options->limit, "The newest so many (100)")->type_name("N");
     command->add_flag("--failed", options->failed, "Only what did not do what it should");
     command->add_flag("--json", options->json, "One JSON object a line");

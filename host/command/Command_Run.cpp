@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cstdio>
 #include <future>
 #include <memory>
@@ -5,12 +6,15 @@
 
 #include <CLI/CLI.hpp>
 #include <signal.h>
+#include <unistd.h>
 
+#include "host/command/CommandLine.hpp"
 #include "host/command/Commands.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/kit/StandardLog.hpp"
 #include "host/run/HealthPort.hpp"
 #include "host/run/RunningSite.hpp"
+#include "host/run/Secrets.hpp"
 #include "host/run/ServiceManager.hpp"
 #include "host/run/Signals.hpp"
 #include "host/run/SiteSocket.hpp"
@@ -43,7 +47,8 @@ class Service {
     Result<SiteStatus> status() {
         auto promise = std::make_shared<std::promise<SiteStatus>>();
         auto answer = promise->get_future();
-        const bool posted = m_site.mailbox().dispatchAsync([this, promise] { promise->set_value(m_site.status()); });
+        const bool posted =
+            m_site.mailbox().dispatchAsync([this, promise] { promise->set_value(m_site.status()); });
         if (posted && answer.wait_for(kStatusPatience) == std::future_status::ready) return answer.get();
         return Error{"the main thread does not answer"};
     }
@@ -106,6 +111,16 @@ LogForm logFormOf(const std::string& name) {
     return isJournal(STDERR_FILENO) ? LogForm::Journal : LogForm::Text;
 }
 
+/// The user's secrets; one that cannot be had is told and none.
+std::function<std::optional<std::string>(const std::string&)> secretsOf(QRVLog& log) {
+    return [&log](const std::string& name) -> std::optional<std::string> {
+        auto secret = Secrets(Secrets::defaultFile()).named(name);
+        if (secret) return std::move(secret).value();
+        log.logLevel(kLogProblem, secret.error().message);
+        return std::nullopt;
+    };
+}
+
 void fail(CommandContext& context, const std::string& message) {
     context.output.error(message);
     context.status = ExitStatus::Environment;
@@ -122,17 +137,20 @@ void run(const RunOptions& options, CommandContext& context) {
                                    .version = versionText(),
                                    .threads = options.threads,
                                    .history = !options.noHistory,
-                                   .secret = secretNamed});
+                                   .secret = secretsOf(log)});
     if (!site) return fail(context, site.error().message);
     Service service(*site.value(), log);
     std::unique_ptr<HealthPort> health;
     if (options.metricsPort >= 0) {
-        auto port = HealthPort::open(static_cast<std::uint16_t>(options.metricsPort), [&] { return service.status(); });
+        auto port = HealthPort::open(static_cast<std::uint16_t>(options.metricsPort),
+                                     [&] { return service.status(); });
         if (!port) return fail(context, port.error().message);
         health = std::move(port).value();
-        log.logLevel(kLogNotice, "metrics on http://127.0.0.1:" + std::to_string(health->port()) + "/metrics");
+        log.logLevel(kLogNotice,
+                     "metrics on http://127.0.0.1:" + std::to_string(health->port()) + "/metrics");
     }
-    auto socket = SiteSocket::open(file->path(), [&](const std::string& question) { return service.answer(question); });
+    auto socket =
+        SiteSocket::open(file->path(), [&](const std::string& question) { return service.answer(question); });
     if (!socket) log.logLevel(kLogProblem, "`vigil status` will not work: " + socket.error().message);
     signals.listen([&](int signal) { service.came(signal); });
     site.value()->start();
@@ -146,16 +164,24 @@ void addRunCommand(CLI::App& app, CommandContext& context) {
     auto options = std::make_shared<RunOptions>();
     auto* command = app.add_subcommand("run", "Watch all stations of a site until SIGTERM");
     addSiteOption(*command, options->site);
-    command->add_option("--log-level", options->logLevel, "1 problems, 2 notices as well, 3 every judgement as well (2)")
+    command
+        ->add_option("--log-level", options->logLevel,
+                     "1 problems, 2 notices as well, 3 every judgement as well (2)")
         ->type_name("N")
         ->check(CLI::Range(0, 3));
-    command->add_option("--log-format", options->logFormat, "auto, text, journal or json; to standard error (auto)")
+    command
+        ->add_option("--log-format", options->logFormat,
+                     "auto, text, journal or json; to standard error (auto)")
         ->type_name("FORM")
         ->check(CLI::IsMember({"auto", "text", "journal", "json"}));
-    command->add_option("--metrics-port", options->metricsPort, "Answer /metrics, /health and /status on this port of 127.0.0.1; 0 takes a free one")
+    command
+        ->add_option("--metrics-port", options->metricsPort,
+                     "Answer /metrics, /health and /status on this port of 127.0.0.1; 0 takes a free one")
         ->type_name("PORT")
         ->check(CLI::Range(0, 65535));
-    command->add_option("--scripts", options->scripts, "The folder of the scripts that monitors run (~/.config/vigil/scripts)")
+    command
+        ->add_option("--scripts", options->scripts,
+                     "The folder of the scripts that monitors run (~/.config/vigil/scripts)")
         ->type_name("FOLDER");
     command->add_option("--threads", options->threads, "Threads that the stations share (2)")
         ->type_name("N")

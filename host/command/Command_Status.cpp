@@ -9,6 +9,7 @@
 #include "host/command/Commands.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/command/StatusTable.hpp"
+#include "host/feeds/FeedUrl.hpp"
 #include "host/run/SiteSocket.hpp"
 #include "host/run/StatusJson.hpp"
 #include "host/services/SystemClock.hpp"
@@ -54,7 +55,7 @@ std::optional<SiteStatus> resting(const std::string& path, CommandContext& conte
 }
 
 std::optional<SiteStatus> look(const StatusOptions& options, CommandContext& context) {
-    const std::string path = options.site.empty() ? SiteFile::defaultFile() : options.site;
+    const std::string path = siteOf(options.site);
     const auto answer = SiteSocket::ask(path, "status");
     if (!answer) return resting(options.site, context);
     auto status = statusFromJson(answer.value());

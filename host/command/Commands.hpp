@@ -22,6 +22,7 @@ namespace vigil {
 
 using AddCommand = void (*)(CLI::App& app, CommandContext& context);
 
+void addActionsCommand(CLI::App& app, CommandContext& context);
 void addCheckCommand(CLI::App& app, CommandContext& context);
 void addDemoCommand(CLI::App& app, CommandContext& context);
 void addDoctorCommand(CLI::App& app, CommandContext& context);
@@ -30,6 +31,8 @@ void addMonitorCommand(CLI::App& app, CommandContext& context);
 void addPluginCommand(CLI::App& app, CommandContext& context);
 void addExplainCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
+void addRunCommand(CLI::App& app, CommandContext& context);
+void addStatusCommand(CLI::App& app, CommandContext& context);
 
 /// Every sub-command, in the order in which `--help` lists them.
 const std::vector<AddCommand>& allCommands();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 
 #include <CLI/App.hpp>
@@ -11,14 +10,14 @@
 
 namespace vigil {
 
-/// `--site FILE` with the default that everybody uses; empty while nobody gives one.
+/// `--site FILE`, for every command that uses a site. Left empty where it is not given.
 void addSiteOption(CLI::App& command, std::string& site);
+
+/// The path that is meant: as given, or the user's own site.
+std::string siteOf(const std::string& site);
 
 /// Opens the site of `--site`; nothing where that cannot be done, and then the reason is told and the status
 /// set.
 std::unique_ptr<SiteFile> openSite(const std::string& site, Access access, CommandContext& context);
-
-/// The secret of that name, from the user's file of mode 600.
-std::optional<std::string> secretNamed(const std::string& name);
 
 }  // namespace vigil

@@ -117,8 +117,7 @@ std::string statusTable(const SiteStatus& status, bool colour) {
         text += fmt::format("{}, not running: start it with `vigil run`\n", status.site);
     for (const std::string& problem : status.problems)
         text += fmt::format("{}! {}{}\n", colour ? kBad : "", problem, colour ? kPlain : "");
-    if (status.stations.empty())
-        text += "\nNo stations yet: vigil station create NAME --feed simulated:\n";
+    if (status.stations.empty()) text += "\nNo stations yet: vigil station create NAME --feed simulated:\n";
     for (const StationStatus& station : status.stations) {
         text += '\n' + table({rowOf(station, status.now)}, "", colour);
         std::vector<Row> rows;

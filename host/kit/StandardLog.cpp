@@ -43,8 +43,9 @@ std::string StandardLog::lineOf(int level, std::string_view message) const {
             appendOneLine(line, message);
             break;
         case LogForm::Json:
-            line = nlohmann::ordered_json{{"time", m_clock().isoText(3)}, {"level", level}, {"message", message}}
-                       .dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+            line =
+                nlohmann::ordered_json{{"time", m_clock().isoText(3)}, {"level", level}, {"message", message}}
+                    .dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
             break;
     }
     return line += '\n';

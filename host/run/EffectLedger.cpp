@@ -7,11 +7,16 @@ namespace vigil {
 
 const char* effectKindName(EffectRecord::Kind kind) {
     switch (kind) {
-        case EffectRecord::Script: return "script";
-        case EffectRecord::Sound: return "sound";
-        case EffectRecord::Speech: return "speech";
-        case EffectRecord::Mail: return "mail";
-        case EffectRecord::Sms: return "sms";
+        case EffectRecord::Script:
+            return "script";
+        case EffectRecord::Sound:
+            return "sound";
+        case EffectRecord::Speech:
+            return "speech";
+        case EffectRecord::Mail:
+            return "mail";
+        case EffectRecord::Sms:
+            return "sms";
     }
     return "";
 }

@@ -28,8 +28,8 @@ class Fires : public testing::Test {
   protected:
     Fires() {
         const auto station = m_site->addStation({.name = "Roof"});
-        const auto plugIn =
-            m_site->addPlugIn({.station = station.value(), .className = "Named", .title = "Gust", .archive = "{}"});
+        const auto plugIn = m_site->addPlugIn(
+            {.station = station.value(), .className = "Named", .title = "Gust", .archive = "{}"});
         m_id = plugIn.value();
         m_desk.enroll(*m_plugIn, {m_id, "Roof", "Gust"});
     }
@@ -138,7 +138,8 @@ TEST_F(Fires, AnEffectIsReleasedOnlyWhenItsRecordAndItsFireStand) {
         m_ledger.queued(record, [&] {
             // Another connection sees only what has been committed.
             const auto other = SiteFile::open(m_site->path(), Access::Read);
-            stood = other && other.value()->fire(fire).value() && other.value()->effects().value().size() == 1;
+            stood =
+                other && other.value()->fire(fire).value() && other.value()->effects().value().size() == 1;
             released = true;
         });
     });

@@ -54,13 +54,13 @@ Result<std::unique_ptr<HealthPort>> HealthPort::open(std::uint16_t port, Status 
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     errno = 0;
-    made->m_daemon = MHD_start_daemon(
-        MHD_USE_EPOLL_INTERNAL_THREAD, port, nullptr, nullptr, &HealthPortCalls::answer, made.get(),
-        MHD_OPTION_SOCK_ADDR, &address, MHD_OPTION_CONNECTION_TIMEOUT, 5u, MHD_OPTION_CONNECTION_LIMIT, 16u,
-        MHD_OPTION_CONNECTION_MEMORY_LIMIT, std::size_t{8192}, MHD_OPTION_END);
+    made->m_daemon = MHD_start_daemon(MHD_USE_EPOLL_INTERNAL_THREAD, port, nullptr, nullptr,
+                                      &HealthPortCalls::answer, made.get(), MHD_OPTION_SOCK_ADDR, &address,
+                                      MHD_OPTION_CONNECTION_TIMEOUT, 5u, MHD_OPTION_CONNECTION_LIMIT, 16u,
+                                      MHD_OPTION_CONNECTION_MEMORY_LIMIT, std::size_t{8192}, MHD_OPTION_END);
     if (!made->m_daemon)
-        return Error{"127.0.0.1:" + std::to_string(port) + " cannot be listened on: " +
-                     (errno ? std::strerror(errno) : "no reason is known")};
+        return Error{"127.0.0.1:" + std::to_string(port) +
+                     " cannot be listened on: " + (errno ? std::strerror(errno) : "no reason is known")};
     const MHD_DaemonInfo* info = MHD_get_daemon_info(made->m_daemon, MHD_DAEMON_INFO_BIND_PORT);
     made->m_port = info ? info->port : port;
     return made;

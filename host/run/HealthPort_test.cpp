@@ -55,7 +55,8 @@ TEST(HealthPort, WhatIsWrongIsNoHealth) {
 }
 
 TEST(HealthPort, AMainThreadThatDoesNotAnswerIsNoHealth) {
-    const auto port = HealthPort::open(0, [] { return Result<SiteStatus>(Error{"the main thread does not answer"}); });
+    const auto port =
+        HealthPort::open(0, [] { return Result<SiteStatus>(Error{"the main thread does not answer"}); });
     ASSERT_TRUE(port);
     EXPECT_THAT(get(port.value()->port(), "/health"), HasSubstr("503"));
     EXPECT_THAT(get(port.value()->port(), "/metrics"), HasSubstr("503"));

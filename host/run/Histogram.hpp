@@ -10,9 +10,9 @@ namespace vigil {
 /// additions. Any thread.
 class Histogram {
   public:
-    static constexpr std::array<double, 15> kBounds{1e-6,     3.16e-6, 1e-5,    3.16e-5, 1e-4,
-                                                    3.16e-4,  1e-3,    3.16e-3, 1e-2,    3.16e-2,
-                                                    1e-1,     3.16e-1, 1,       3.16,    10};
+    static constexpr std::array<double, 15> kBounds{1e-6,    3.16e-6, 1e-5,    3.16e-5, 1e-4,
+                                                    3.16e-4, 1e-3,    3.16e-3, 1e-2,    3.16e-2,
+                                                    1e-1,    3.16e-1, 1,       3.16,    10};
 
     void add(double seconds);
 

@@ -85,9 +85,9 @@ void addMonitors(Page& page, const SiteStatus& status) {
     page.family("vigil_cycles_total", "counter", "Cycles of a monitor, by how they ended.");
     for (const auto& station : status.stations)
         for (const auto& monitor : station.monitors)
-            for (const auto& [outcome, count] : {std::pair{"waiting", monitor.waiting},
-                                                 std::pair{"missed", monitor.missed},
-                                                 std::pair{"fired", monitor.fired}})
+            for (const auto& [outcome, count] :
+                 {std::pair{"waiting", monitor.waiting}, std::pair{"missed", monitor.missed},
+                  std::pair{"fired", monitor.fired}})
                 page.sample({{"station", station.name}, {"monitor", monitor.title}, {"outcome", outcome}},
                             count);
     page.family("vigil_monitor_ok", "gauge", "1 while an active monitor can be judged or waits.");

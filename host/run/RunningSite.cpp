@@ -2,12 +2,12 @@
 
 #include <utility>
 
+#include "host/feeds/wire/MakeDecoder.hpp"
 #include "host/kit/KitClasses.hpp"
 #include "host/kit/MonitorModule.hpp"
 #include "host/kit/StandardLog.hpp"
 #include "host/run/PlugInState.hpp"
 #include "host/run/StationSetup.hpp"
-#include "host/feeds/wire/MakeDecoder.hpp"
 #include "host/services/SystemClock.hpp"
 
 // How a site comes to run. Other files hold what it does then and how it ends.
@@ -91,13 +91,11 @@ void RunningSite::addStation(const StationRecord& record) {
         .history = m_history.get(),
         .notificationTimes = m_notificationTimes,
         .settle = [this](std::vector<DeliveryFailure> failures) { m_plugIns.settle(std::move(failures)); },
-        .complete =
-            [this](std::vector<Fire> fires, std::function<void()> durable) {
-                complete(std::move(fires), std::move(durable));
-            },
+        .complete = [this](std::vector<Fire> fires,
+                           std::function<void()> durable) { complete(std::move(fires), std::move(durable)); },
     };
-    m_stations[record.id] =
-        std::make_shared<RunningStation>(around, record, std::move(station), std::move(decoder), std::move(settings));
+    m_stations[record.id] = std::make_shared<RunningStation>(around, record, std::move(station),
+                                                             std::move(decoder), std::move(settings));
     if (m_history) m_history->named(record.id, record.name);
 }
 

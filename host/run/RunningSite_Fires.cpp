@@ -26,9 +26,8 @@ RunningSite::Entry* RunningSite::entryOf(RecordId plugIn) {
 }
 
 Result<std::string> RunningSite::archiveOf(Entry& entry) {
-    return entry.hosted->call([&](QRVPlugIn& plugIn) {
-        return writeArchive(entry.hosted->plugIn(), plugIn.agent().get());
-    });
+    return entry.hosted->call(
+        [&](QRVPlugIn& plugIn) { return writeArchive(entry.hosted->plugIn(), plugIn.agent().get()); });
 }
 
 // On a strand. A main queue that takes nothing more is one that closes, and then the end writes everything.
@@ -63,11 +62,12 @@ void RunningSite::completeOnMain(const std::vector<Fire>& fires, const std::func
         if (m_history) m_history->archived(entry->record, entry->saved, ArchiveReason::Saved);
         m_log.logLevel(kLogNotice, "\"" + entry->record.title + "\" fired (" + fire.of.station + ")");
         m_writer.completeFire(fire.id, entry->record,
-                              [this, pending = std::shared_ptr<Pending>(pending), title = entry->record.title](const Result<Done>& done) mutable {
+                              [this, pending = std::shared_ptr<Pending>(pending),
+                               title = entry->record.title](const Result<Done>& done) mutable {
                                   if (!done)
-                                      m_log.logLevel(kLogProblem, "the fire of \"" + title +
-                                                                      "\" is not written down: " +
-                                                                      done.error().message);
+                                      m_log.logLevel(kLogProblem,
+                                                     "the fire of \"" + title +
+                                                         "\" is not written down: " + done.error().message);
                                   pending.reset();
                               });
         entry->record.archive.clear();

@@ -18,8 +18,8 @@ bool isSame(const StationRecord& a, const StationRecord& b) {
 
 template <class Record>
 const Record* withId(const std::vector<Record>& records, RecordId id) {
-    const auto found = std::find_if(records.begin(), records.end(),
-                                    [id](const Record& record) { return record.id == id; });
+    const auto found =
+        std::find_if(records.begin(), records.end(), [id](const Record& record) { return record.id == id; });
     return found == records.end() ? nullptr : &*found;
 }
 
@@ -67,8 +67,7 @@ RunningSite::Changes RunningSite::removeChanged(const std::vector<StationRecord>
     for (std::size_t i = m_entries.size(); i-- > 0;) {
         Entry& entry = m_entries[i];
         const PlugInRecord* record = withId(plugIns, entry.record.id);
-        const bool stationEnded =
-            std::find(ended.begin(), ended.end(), entry.record.station) != ended.end();
+        const bool stationEnded = std::find(ended.begin(), ended.end(), entry.record.station) != ended.end();
         if (record && !stationEnded && record->edition == entry.record.edition) continue;
         // A wait is the plug-in's own, whatever else somebody has set.
         if (const auto wait = entry.hosted ? retriggerDate(*entry.hosted->plugIn()) : std::nullopt)

@@ -1,8 +1,8 @@
 #include <unistd.h>
 
+#include "host/kit/MonitorModule.hpp"
 #include "host/run/PlugInState.hpp"
 #include "host/run/RunningSite.hpp"
-#include "host/kit/MonitorModule.hpp"
 
 // How a running site is doing.
 
@@ -11,11 +11,16 @@ namespace {
 
 const char* feedKindName(FeedState::Kind kind) {
     switch (kind) {
-        case FeedState::Starting: return "starting";
-        case FeedState::Live: return "live";
-        case FeedState::Retrying: return "retrying";
-        case FeedState::Ended: return "ended";
-        case FeedState::Failed: return "failed";
+        case FeedState::Starting:
+            return "starting";
+        case FeedState::Live:
+            return "live";
+        case FeedState::Retrying:
+            return "retrying";
+        case FeedState::Ended:
+            return "ended";
+        case FeedState::Failed:
+            return "failed";
     }
     return "";
 }

@@ -81,9 +81,9 @@ void RunningStation::state(FeedState state) {
     if (!changed) return;
     const bool bad = state.kind == FeedState::Retrying || state.kind == FeedState::Failed;
     const char* const kinds[] = {"is starting", "is live", "tries again", "has ended", "has failed"};
-    m_around.world.log().logLevel(bad ? kLogProblem : kLogNotice,
-                                  m_record.name + ": its feed " + kinds[state.kind] +
-                                      (state.words.empty() ? "" : ": " + state.words));
+    m_around.world.log().logLevel(
+        bad ? kLogProblem : kLogNotice,
+        m_record.name + ": its feed " + kinds[state.kind] + (state.words.empty() ? "" : ": " + state.words));
 }
 
 void RunningStation::close() {
@@ -180,18 +180,13 @@ bool RunningStation::take(const Packet& packet) {
 void RunningStation::noteDrops() {
     const StationReadingsCounts& counts = m_readings.counts();
     const std::lock_guard lock(m_mutex);
-    for (const auto& [why, count] : {std::pair{"repeated", counts.repeats},
-                                     std::pair{"late", counts.late},
-                                     std::pair{"retained", counts.retained},
-                                     std::pair{"empty", counts.empty},
-                                     std::pair{"missing", counts.missing},
-                                     std::pair{"implausible", counts.implausible},
-                                     std::pair{"unreadable", counts.unreadable},
-                                     std::pair{"wrong unit", counts.wrongUnit},
-                                     std::pair{"name too long", counts.longNames},
-                                     std::pair{"key too many", counts.noPlace},
-                                     std::pair{"wrong time", counts.wrongTimes},
-                                     std::pair{"clock set back", counts.jumps}})
+    for (const auto& [why, count] :
+         {std::pair{"repeated", counts.repeats}, std::pair{"late", counts.late},
+          std::pair{"retained", counts.retained}, std::pair{"empty", counts.empty},
+          std::pair{"missing", counts.missing}, std::pair{"implausible", counts.implausible},
+          std::pair{"unreadable", counts.unreadable}, std::pair{"wrong unit", counts.wrongUnit},
+          std::pair{"name too long", counts.longNames}, std::pair{"key too many", counts.noPlace},
+          std::pair{"wrong time", counts.wrongTimes}, std::pair{"clock set back", counts.jumps}})
         if (count != 0) m_counts.drops[why] = count;
 }
 

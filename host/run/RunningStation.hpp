@@ -64,8 +64,8 @@ class RunningStation : public Strand, public FeedSink {
     /// Any thread.
     struct Counts {
         FeedState feed;
-        std::optional<Date> lastData{};       ///< when something last came that was news
-        std::optional<Date> lastMessage{};    ///< when anything came
+        std::optional<Date> lastData{};     ///< when something last came that was news
+        std::optional<Date> lastMessage{};  ///< when anything came
         std::uint64_t messages = 0;
         std::uint64_t notifications = 0;
         std::map<std::string, std::uint64_t> drops{};  ///< by why

@@ -16,7 +16,8 @@ namespace {
 TEST(SiteSocket, AQuestionGetsItsAnswer) {
     const TemporaryFolder folder;
     const std::string site = folder.path() + "/home.vigilsite";
-    const auto socket = SiteSocket::open(site, [](const std::string& question) { return "<" + question + ">"; });
+    const auto socket =
+        SiteSocket::open(site, [](const std::string& question) { return "<" + question + ">"; });
     ASSERT_TRUE(socket) << socket.error().message;
     for (const char* question : {"status", "reload", ""}) {
         const auto answer = SiteSocket::ask(site, question);

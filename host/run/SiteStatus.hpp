@@ -19,9 +19,9 @@ struct MonitorStatus {
     RecordId id = 0;
     std::string title{};
     bool active = false;
-    std::string state{};       ///< "watching", "waiting", "not active", "failed", "cannot be judged"
-    std::string words{};       ///< the state with its reason
-    std::string says{};        ///< what the monitor itself says
+    std::string state{};  ///< "watching", "waiting", "not active", "failed", "cannot be judged"
+    std::string words{};  ///< the state with its reason
+    std::string says{};   ///< what the monitor itself says
     std::string condition{};
     std::optional<Date> waitsUntil{};
     std::optional<Date> lastFire{};

@@ -46,9 +46,8 @@ void waitFor(const std::function<bool()>& what) {
 TEST(StrandPool, AStrandThatIsWokenFromManyThreadsTakesAllItsWorkOneStepAtATime) {
     StrandPool pool(4);
     std::atomic<int> left = 0;
-    const auto strand = std::make_shared<Counted>([&](int) {
-        return --left > 0 ? Counted::Step::More : Counted::Step::Idle;
-    });
+    const auto strand = std::make_shared<Counted>(
+        [&](int) { return --left > 0 ? Counted::Step::More : Counted::Step::Idle; });
     std::vector<std::thread> wakers;
     for (int i = 0; i < 4; ++i)
         wakers.emplace_back([&] {

@@ -1,0 +1,52 @@
+#include "host/run/Secrets.hpp"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace vigil {
+namespace {
+
+using testing::HasSubstr;
+
+class SecretsFile : public testing::Test {
+  protected:
+    Secrets write(const std::string& text, mode_t mode = 0600) {
+        const std::string path = m_folder.write("secrets", text);
+        EXPECT_EQ(::chmod(path.c_str(), mode), 0);
+        return Secrets(path);
+    }
+    TemporaryFolder m_folder;
+};
+
+TEST_F(SecretsFile, ANameHasTheValueBehindItsEqualsSign) {
+    const Secrets secrets = write("# mine\n\nbroker = a=b c \r\nmail=x\n");
+    EXPECT_EQ(secrets.named("broker").value(), "a=b c");
+    EXPECT_EQ(secrets.named("mail").value(), "x");
+    EXPECT_EQ(secrets.named("other").value(), std::nullopt);
+}
+
+TEST_F(SecretsFile, OneThatOthersMayReadIsRefused) {
+    for (const mode_t mode : {0640, 0604, 0620}) {
+        const auto secret = write("broker = x\n", mode).named("broker");
+        ASSERT_FALSE(secret) << std::oct << mode;
+        EXPECT_THAT(secret.error().message, HasSubstr("chmod 600"));
+    }
+}
+
+TEST_F(SecretsFile, ALineWithoutAnEqualsSignIsAnErrorWithItsPlaceAndWithoutItsText) {
+    const auto secret = write("a = 1\nhunter2\n").named("broker");
+    ASSERT_FALSE(secret);
+    EXPECT_THAT(secret.error().message, HasSubstr("secrets:2: "));
+    EXPECT_THAT(secret.error().message, testing::Not(HasSubstr("hunter2")));
+}
+
+TEST_F(SecretsFile, OneThatIsNotThereSaysWhatToWrite) {
+    const auto secret = Secrets(m_folder.path() + "/none").named("broker");
+    ASSERT_FALSE(secret);
+    EXPECT_THAT(secret.error().message, HasSubstr("broker = VALUE"));
+}
+
+}  // namespace
+}  // namespace vigil
