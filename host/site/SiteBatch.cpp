@@ -35,7 +35,7 @@ SiteBatch::SiteBatch(const std::string& path)
           "INSERT INTO fires (id, plugIn, time, completed) VALUES (?, ?, ?, ?) ON CONFLICT (id) DO UPDATE "
           "SET plugIn = excluded.plugIn, time = excluded.time, completed = excluded.completed"),
       m_putEffect(m_database.sql(), kPutEffect),
-      m_save(m_database.sql(), "UPDATE plugIns SET title = ?, archive = ? WHERE id = ?"),
+      m_save(m_database.sql(), "UPDATE plugIns SET title = ?, archive = ? WHERE id = ? AND edition = ?"),
       m_complete(m_database.sql(), "UPDATE fires SET completed = 1 WHERE id = ?") {}
 
 void SiteBatch::begin() {
@@ -77,7 +77,8 @@ Result<Done> SiteBatch::save(const PlugInRecord& plugIn) {
     m_save.bind(1, plugIn.title);
     m_save.bind(2, plugIn.archive);
     m_save.bind(3, plugIn.id);
-    return ran(m_save, "there is no such monitor any more");
+    m_save.bind(4, plugIn.edition);
+    return ran(m_save, "the monitor is gone or was changed meanwhile, so this state of it is not kept");
 }
 
 Result<Done> SiteBatch::complete(RecordId fire, const PlugInRecord& plugIn) {

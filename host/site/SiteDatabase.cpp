@@ -8,7 +8,7 @@ SiteDatabase::SiteDatabase(const std::string& path, Access access)
     // A connection serves one thread, so the library need not lock for it.
     : m_database(
           path,
-          (access == Access::Write ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY) | SQLite::OPEN_NOMUTEX,
+          (access == Access::Read ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE) | SQLite::OPEN_NOMUTEX,
           kBusyMilliseconds) {
     m_database.exec("PRAGMA cache_size = -" + std::to_string(kCacheKilobytes));
     m_database.exec("PRAGMA trusted_schema = OFF");  // a file from elsewhere runs no code of its own

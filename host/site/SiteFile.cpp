@@ -70,24 +70,29 @@ Opened SiteFile::open(const std::string& path, Access access, const SiteSchema& 
         return refusal(SiteError::Kind::NotThere, path,
                        "there is no such site; `vigil site create` makes one");
     std::unique_ptr<SiteLock> lock;
-    if (access == Access::Write) {
+    long runner = 0;
+    if (access != Access::Read) {
         auto taken = SiteLock::take(path);
-        if (!taken) return taken.error();
-        lock = std::move(taken).value();
+        if (taken)
+            lock = std::move(taken).value();
+        else if (access == Access::Write || taken.error().kind != SiteError::Kind::Locked)
+            return taken.error();
+        else
+            runner = SiteLock::holder(path);
     }
     try {
         auto database = std::make_unique<SiteDatabase>(path, access);
         const auto version = readVersion(path, database->sql(), schema);
         if (!version) return version.error();
         const bool older = version.value() < schema.version;
-        if (older && access == Access::Read) {
+        if (older && !lock) {
             database.reset();
             if (auto upgraded = open(path, Access::Write, schema); !upgraded) return upgraded;
             return open(path, access, schema);
         }
         bool checked = false;
-        if (access == Access::Write) {
-            database->prepareToWrite();
+        if (access != Access::Read) database->prepareToWrite();
+        if (lock) {
             checked = !database->isClean();
             const std::string found = checked ? database->firstDamage() : std::string();
             if (!found.empty()) return damaged(path, found);
@@ -96,22 +101,23 @@ Opened SiteFile::open(const std::string& path, Access access, const SiteSchema& 
                                          std::to_string(version.value()));
         }
         return std::unique_ptr<SiteFile>(
-            new SiteFile(path, access, std::move(lock), std::move(database), checked));
+            new SiteFile(path, access, std::move(lock), std::move(database), checked, runner));
     } catch (const SQLite::Exception& failure) {
         return asError(path, failure);
     }
 }
 
 SiteFile::SiteFile(std::string path, Access access, std::unique_ptr<SiteLock> lock,
-                   std::unique_ptr<SiteDatabase> database, bool wasChecked)
+                   std::unique_ptr<SiteDatabase> database, bool wasChecked, long runner)
     : m_path(std::move(path)),
       m_access(access),
       m_wasChecked(wasChecked),
+      m_runner(runner),
       m_lock(std::move(lock)),
       m_database(std::move(database)) {}
 
 SiteFile::~SiteFile() {
-    if (m_access == Access::Read) return;
+    if (!m_lock) return;
     try {
         m_database->markClean();
     } catch (const SQLite::Exception&) {

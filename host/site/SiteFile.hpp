@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,8 +33,26 @@ struct SiteError {
     std::string message{};
 };
 
-/// What an open file is for. Any number of processes may read a site while one holds it for writing.
-enum class Access { Read, Write };
+/// What an open file is for. Any number of processes may read and edit a site while one holds it.
+enum class Access {
+    Read,
+    Edit,   ///< stations and plug-ins are changed, also while another process runs the site
+    Write,  ///< the site is run: nobody else holds it, and a `SiteWriter` may write to it
+};
+
+/// The rows of a site, counted.
+struct SiteSummary {
+    int version = 0;          ///< of the tables
+    std::uint64_t bytes = 0;  ///< of the file and its log
+    std::size_t stations = 0;
+    std::size_t plugIns = 0;
+    std::size_t fires = 0;
+    std::size_t openFires = 0;  ///< without a completion
+    std::size_t effects = 0;
+    std::size_t openEffects = 0;   ///< without an end
+    std::optional<Date> oldest{};  ///< effect, by when it was queued
+    bool clean = true;             ///< closed cleanly, or never written to since
+};
 
 /// What a stop left open.
 struct Interrupted {
@@ -69,7 +88,8 @@ class SiteFile {
     static Result<Done> create(const std::string& path);
 
     /// Writing takes the lock beside the file for as long as this object lives, brings an older version up to
-    /// date, and checks a file that was not closed cleanly.
+    /// date, and checks a file that was not closed cleanly. So does editing where the lock is free; where
+    /// another process has it, that one has done the rest.
     static Result<std::unique_ptr<SiteFile>, SiteError> open(const std::string& path, Access access);
 
     /// The same for tables of another version than this program's own; tests of coming versions use it.
@@ -83,6 +103,8 @@ class SiteFile {
 
     const std::string& path() const { return m_path; }
     Access access() const { return m_access; }
+    /// The process that holds the lock beside a file that was opened for editing; 0: this one.
+    long runner() const { return m_runner; }
     /// Whether this opening found the file not closed cleanly, checked it, and found it whole.
     bool wasChecked() const { return m_wasChecked; }
 
@@ -101,7 +123,8 @@ class SiteFile {
     Result<Done> removeStation(RecordId station);
 
     Result<RecordId> addPlugIn(const PlugInRecord& plugIn);
-    /// Title and archive; class and station stay.
+    /// Title and archive; class and station stay, and the edition goes up by one. An error where it is not
+    /// the record's edition any more: somebody else has changed it since it was read.
     Result<Done> editPlugIn(const PlugInRecord& plugIn);
     /// Takes its fires along; its effects stay in the ledger.
     Result<Done> removePlugIn(RecordId plugIn);
@@ -119,16 +142,19 @@ class SiteFile {
     /// Forgets completed fires and ended effects from before that date. How many rows went.
     Result<std::size_t> prune(Date before);
 
+    Result<SiteSummary> summary() const;
+
     /// The highest id that a fire or effect of this file has ever had.
     Result<RecordId> highestId() const;
 
   private:
     SiteFile(std::string path, Access access, std::unique_ptr<SiteLock> lock,
-             std::unique_ptr<SiteDatabase> database, bool wasChecked);
+             std::unique_ptr<SiteDatabase> database, bool wasChecked, long runner);
 
     std::string m_path;
     Access m_access;
     bool m_wasChecked;
+    long m_runner;
     std::unique_ptr<SiteLock> m_lock;  // goes last
     std::unique_ptr<SiteDatabase> m_database;
 };

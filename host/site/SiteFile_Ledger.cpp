@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <string>
 #include <utility>
 
@@ -123,6 +124,33 @@ Result<std::size_t> SiteFile::prune(Date before) {
     return asked<std::size_t>(m_path, [&] {
         return inTransaction(*m_database,
                              [&] { return Result<std::size_t>(forget(m_database->sql(), before)); });
+    });
+}
+
+Result<SiteSummary> SiteFile::summary() const {
+    return asked<SiteSummary>(m_path, [&] {
+        SQLite::Database& database = m_database->sql();
+        const auto count = [&](const char* rows) {
+            return static_cast<std::size_t>(
+                database.execAndGet(std::string("SELECT count(*) FROM ") + rows).getInt64());
+        };
+        SiteSummary summary = {.version = versionOf(database),
+                               .stations = count("stations"),
+                               .plugIns = count("plugIns"),
+                               .fires = count("fires"),
+                               .openFires = count("fires WHERE completed = 0"),
+                               .effects = count("effects"),
+                               .openEffects = count("effects WHERE state <> 'ended'"),
+                               .clean = m_database->isClean()};
+        for (const char* part : {"", "-wal"}) {
+            std::error_code absent;
+            const auto bytes = std::filesystem::file_size(m_path + part, absent);
+            if (!absent) summary.bytes += bytes;
+        }
+        SQLite::Statement oldest(database, "SELECT min(queued) FROM effects");
+        if (oldest.executeStep() && !oldest.getColumn(0).isNull())
+            summary.oldest = Date(oldest.getColumn(0).getDouble());
+        return summary;
     });
 }
 

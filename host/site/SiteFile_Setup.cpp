@@ -40,6 +40,7 @@ std::string takenTitle(const PlugInRecord& plugIn) {
 }
 
 constexpr const char* kNoStation = "there is no such station any more";
+constexpr const char* kOtherEdition = "the monitor is gone, or somebody else has changed it meanwhile";
 constexpr const char* kNoPlugIn = "there is no such monitor any more";
 const Error kNameless{"a station needs a name"};
 const Error kUntitled{"a monitor needs a title"};
@@ -128,7 +129,7 @@ Result<RecordId> SiteFile::addPlugIn(const PlugInRecord& plugIn) {
             SQLite::Statement owner(database, "SELECT 1 FROM stations WHERE id = ?");
             owner.bind(1, plugIn.station);
             if (!owner.executeStep()) return Error{kNoStation};
-            SQLite::Statement insert(database, "INSERT INTO plugIns VALUES (?, ?, ?, ?, ?)");
+            SQLite::Statement insert(database, "INSERT INTO plugIns VALUES (?, ?, ?, ?, ?, ?)");
             PlugInRecord fresh = plugIn;
             fresh.id = 0;
             bindPlugIn(insert, fresh);
@@ -140,11 +141,14 @@ Result<RecordId> SiteFile::addPlugIn(const PlugInRecord& plugIn) {
 Result<Done> SiteFile::editPlugIn(const PlugInRecord& plugIn) {
     if (plugIn.title.empty()) return kUntitled;
     return changed<Done>(*this, *m_database, takenTitle(plugIn), [&](SQLite::Database& database) {
-        SQLite::Statement update(database, "UPDATE plugIns SET title = ?, archive = ? WHERE id = ?");
+        SQLite::Statement update(database,
+                                 "UPDATE plugIns SET title = ?, archive = ?, edition = edition + 1 "
+                                 "WHERE id = ? AND edition = ?");
         update.bind(1, plugIn.title);
         update.bind(2, plugIn.archive);
         update.bind(3, plugIn.id);
-        return ranOnce(update, kNoPlugIn);
+        update.bind(4, plugIn.edition);
+        return ranOnce(update, kOtherEdition);
     });
 }
 

@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "host/site/SiteWriter.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace vigil {
@@ -198,7 +199,7 @@ TEST_F(SiteFileTest, namesAndTitlesStandOnceAndAreNotEmpty) {
     EXPECT_EQ(site->addPlugIn({.station = 99, .title = "T"}).error().message,
               "there is no such station any more");
     EXPECT_EQ(site->editPlugIn({.id = 99, .title = "T"}).error().message,
-              "there is no such monitor any more");
+              "the monitor is gone, or somebody else has changed it meanwhile");
     EXPECT_EQ(site->removePlugIn(99).error().message, "there is no such monitor any more");
     EXPECT_EQ(site->removeStation(99).error().message, "there is no such station any more");
 }
@@ -217,6 +218,77 @@ TEST_F(SiteFileTest, anEditOfAPlugInSetsTitleAndArchiveAndNothingElse) {
     EXPECT_EQ(read->className, "Monitor");
     EXPECT_EQ(read->archive, "{}");
     EXPECT_FALSE(site->plugInTitled("Frost").value());
+    EXPECT_EQ(read->edition, 1);
+    EXPECT_FALSE(site->editPlugIn({.id = id, .title = "Snow"})) << "made from what it was before";
+    ASSERT_TRUE(site->editPlugIn(*read));
+    EXPECT_EQ(site->plugInTitled("Ice").value()->edition, 2);
+}
+
+TEST_F(SiteFileTest, isEditedWhileAnotherProcessRunsItAndThatOnesOlderStateIsRefused) {
+    const auto running = fresh();
+    const RecordId roof = running->addStation(kRoof).value();
+    ASSERT_TRUE(running->addPlugIn({.station = roof, .title = "Frost", .archive = "{}"}));
+    const PlugInRecord known = running->plugInTitled("Frost").value().value();
+    {
+        const auto editing = opened(Access::Edit);
+        EXPECT_EQ(editing->runner(), getpid());
+        PlugInRecord changed = known;
+        changed.archive = "{\"changed\":true}";
+        ASSERT_TRUE(editing->editPlugIn(changed));
+    }
+    SiteWriter writer(*running);
+    std::vector<std::string> told;
+    const auto note = [&](const Result<Done>& done) { told.push_back(done ? "" : done.error().message); };
+    PlugInRecord state = known;
+    state.archive = "{\"wait\":1}";
+    writer.putFire({.id = 1, .plugIn = known.id}, note);
+    writer.saveArchive(state, note);
+    writer.completeFire(1, state, note);
+    state.edition = 1;
+    writer.saveArchive(state, note);
+    writer.stop();
+    ASSERT_EQ(told.size(), 4U);
+    EXPECT_THAT(told[1], HasSubstr("changed meanwhile"));
+    EXPECT_THAT(told[2], HasSubstr("changed meanwhile"));
+    EXPECT_EQ(told[3], "");
+    EXPECT_FALSE(running->fire(1).value()->completed);
+    EXPECT_EQ(running->plugInTitled("Frost").value()->edition, 1) << "a run's own saving is no edit";
+}
+
+TEST_F(SiteFileTest, whoEditsWithNobodyElseThereHoldsItAndLeavesItClean) {
+    fresh();
+    {
+        const auto editing = opened(Access::Edit);
+        EXPECT_EQ(editing->runner(), 0);
+        EXPECT_EQ(refusal(Access::Write).kind, SiteError::Kind::Locked);
+        ASSERT_TRUE(editing->addStation(kRoof));
+        EXPECT_FALSE(editing->summary().value().clean);
+    }
+    EXPECT_TRUE(opened(Access::Read)->summary().value().clean);
+}
+
+TEST_F(SiteFileTest, countsItsRows) {
+    const auto site = fresh();
+    const RecordId roof = site->addStation(kRoof).value();
+    const RecordId frost = site->addPlugIn({.station = roof, .title = "Frost"}).value();
+    {
+        SiteWriter writer(*site);
+        writer.putFire({.id = 1, .plugIn = frost});
+        writer.putFire({.id = 2, .plugIn = frost, .completed = true});
+        writer.putEffect({.id = 3, .queued = Date(30)});
+        writer.putEffect({.id = 4, .state = EffectRecord::Ended, .queued = Date(20)});
+    }
+    const SiteSummary summary = site->summary().value();
+    EXPECT_EQ(summary.version, 1);
+    EXPECT_GT(summary.bytes, 4096U);
+    EXPECT_EQ(summary.stations, 1U);
+    EXPECT_EQ(summary.plugIns, 1U);
+    EXPECT_EQ(summary.fires, 2U);
+    EXPECT_EQ(summary.openFires, 1U);
+    EXPECT_EQ(summary.effects, 2U);
+    EXPECT_EQ(summary.openEffects, 1U);
+    EXPECT_EQ(summary.oldest, Date(20));
+    EXPECT_FALSE(summary.clean);
 }
 
 TEST_F(SiteFileTest, aStationTakesItsPlugInsAlongAndIdsAreNeverGivenAgain) {

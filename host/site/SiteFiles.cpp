@@ -74,7 +74,7 @@ Result<Done> FreshFile::takePlace(bool ofAnother) const {
 }
 
 void removeDatabase(const std::string& path) {
-    for (const char* part : {"", "-wal", "-shm", "-journal"})
+    for (const char* part : {"", "-wal", "-shm", "-journal", "-lock"})
         ::unlink((path + part).c_str());
 }
 

@@ -31,7 +31,7 @@ class FreshFile {
     std::string m_fresh;
 };
 
-/// Takes a database's files away, those beside it (its log) included.
+/// Takes a database's files away, those beside it (its log, its lock) included.
 void removeDatabase(const std::string& path);
 
 }  // namespace vigil

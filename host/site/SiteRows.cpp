@@ -108,7 +108,8 @@ PlugInRecord readPlugIn(SQLite::Statement& row) {
             .station = row.getColumn(1).getInt64(),
             .className = row.getColumn(2).getString(),
             .title = row.getColumn(3).getString(),
-            .archive = row.getColumn(4).getString()};
+            .archive = row.getColumn(4).getString(),
+            .edition = row.getColumn(5).getInt64()};
 }
 
 FireRecord readFire(SQLite::Statement& row) {
@@ -152,6 +153,7 @@ void bindPlugIn(SQLite::Statement& to, const PlugInRecord& plugIn) {
     to.bind(3, plugIn.className);
     to.bind(4, plugIn.title);
     to.bind(5, plugIn.archive);
+    to.bind(6, plugIn.edition);
 }
 
 void bindFire(SQLite::Statement& to, const FireRecord& fire) {

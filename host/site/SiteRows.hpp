@@ -28,7 +28,7 @@ bool readUnits(std::string_view text, StationRecord& station);
 bool readRolling(std::string_view text, StationRecord& station);
 
 constexpr const char* kStationColumns = "id, name, feed, usUnits, units, rolling";
-constexpr const char* kPlugInColumns = "id, station, className, title, archive";
+constexpr const char* kPlugInColumns = "id, station, className, title, archive, edition";
 constexpr const char* kFireColumns = "id, plugIn, time, completed";
 constexpr const char* kEffectColumns =
     "id, fire, plugIn, station, title, kind, what, state, queued, started, ended, result, detail";

@@ -27,7 +27,8 @@ CREATE TABLE plugIns (
     station INTEGER NOT NULL REFERENCES stations (id) ON DELETE CASCADE,
     className TEXT NOT NULL,
     title TEXT NOT NULL UNIQUE CHECK (title <> ''),
-    archive TEXT NOT NULL
+    archive TEXT NOT NULL,
+    edition INTEGER NOT NULL
 ) STRICT;
 
 CREATE TABLE fires (

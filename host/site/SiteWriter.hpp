@@ -54,8 +54,8 @@ struct SiteWriterState {
 ///
 /// When a commit fails (a full disk, a failing one), everything that waits hears of it at once, and all that
 /// follows until it works again; the writes themselves are kept in their order and tried again until they
-/// stand. A write that the file itself refuses (its plug-in is gone, its title is taken) hears so alone and
-/// is not kept.
+/// stand. A write that the file itself refuses (its plug-in is gone or of a later edition, its title is
+/// taken) hears so alone and is not kept.
 class SiteWriter {
   public:
     using Committed = std::function<void(const Result<Done>&)>;

@@ -20,7 +20,8 @@ CREATE TABLE plugIns (
     station INTEGER NOT NULL REFERENCES stations (id) ON DELETE CASCADE,
     className TEXT NOT NULL,
     title TEXT NOT NULL UNIQUE CHECK (title <> ''),
-    archive TEXT NOT NULL
+    archive TEXT NOT NULL,
+    edition INTEGER NOT NULL
 ) STRICT;
 
 CREATE TABLE fires (
@@ -62,7 +63,7 @@ FROM effects;
 INSERT INTO meta VALUES ('clean', 1), ('highestId', 40);
 INSERT INTO stations VALUES (1, 'Roof', 'upload://127.0.0.1:8090/', 1, '[["windSpeed","kn"],["barometer","hPa"]]', '["windSpeed mean 10"]');
 INSERT INTO stations VALUES (3, 'Pönd', '', 0, '[]', '[]');
-INSERT INTO plugIns VALUES (2, 1, 'QRVVigilPlugIn', 'Frost', '{"format":"vigil-archive","version":1,"root":null}');
+INSERT INTO plugIns VALUES (2, 1, 'QRVVigilPlugIn', 'Frost', '{"format":"vigil-archive","version":1,"root":null}', 3);
 INSERT INTO fires VALUES (41, 2, 815000000.125, 1);
 INSERT INTO fires VALUES (43, 2, 815000060.25, 0);
 INSERT INTO effects VALUES (42, 41, 2, 'Roof', 'Frost', 'script', 'gust.sh roof', 'ended', 815000000.25, 815000000.5, 815000001.0, 'succeeded', 'exit status 0');
