@@ -46,9 +46,9 @@ std::string jsonLine(const EffectRecord& effect) {
                                 {"what", effect.what},
                                 {"state", stateText(effect)},
                                 {"test", effect.fire == 0}};
-    if (effect.state != EffectRecord::Queued) json["started"] = effect.started.isoText(3);
+    if (effect.started) json["started"] = effect.started->isoText(3);
     if (effect.state == EffectRecord::Ended) {
-        json["ended"] = effect.ended.isoText(3);
+        if (effect.ended) json["ended"] = effect.ended->isoText(3);
         json["detail"] = effect.detail;
     }
     return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";

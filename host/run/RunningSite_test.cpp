@@ -36,7 +36,7 @@ class Running : public testing::Test {
     Running() {
         EXPECT_TRUE(SiteFile::create(m_path));
         open();
-        m_station = m_file->addStation({.name = "Roof", .feed = "simulated:?speed=1000"}).value();
+        m_station = m_file->addStation({.name = "Roof", .feed = "simulated:?speed=30000"}).value();
         m_folder.makeFolder("scripts");
         m_folder.write("scripts/note.sh", "#!/bin/sh\necho \"$1\" >> " + m_folder.path() + "/noted\n");
     }

@@ -8,7 +8,7 @@ import service as rig
 def main():
     with rig.service() as it:
         it.vigil("site", "create")
-        it.vigil("station", "create", "Home", "--feed", "simulated:?speed=300")
+        it.vigil("station", "create", "Home", "--feed", "simulated:?speed=3000")
         for title in ("Kept", "Changed", "Removed"):
             it.vigil("monitor", "create", title, "--station", "Home", "--condition", "windSpeed.unitValue > 1000",
                      "--active")
@@ -18,7 +18,7 @@ def main():
         it.vigil("monitor", "remove", "Removed")
         it.vigil("monitor", "create", "Added", "--station", "Home", "--condition", "windSpeed.unitValue > 1000",
                  "--active")
-        it.vigil("station", "create", "Second", "--feed", "simulated:?seed=7&speed=300")
+        it.vigil("station", "create", "Second", "--feed", "simulated:?seed=7&speed=3000")
         before = it.monitor("Kept")["cycles"]["missed"]
         it.process.send_signal(signal.SIGHUP)
         rig.until(lambda: it.monitor("Changed")["cycles"]["fired"] == 1, "the changed monitor fired")

@@ -9,7 +9,7 @@ def main():
         ended = it.folder / "ended.txt"
         it.script("long.sh", f"#!/bin/sh\necho x > {began}\nsleep 50\necho x > {ended}\n")
         it.vigil("site", "create")
-        it.vigil("station", "create", "Home", "--feed", "simulated:?speed=300")
+        it.vigil("station", "create", "Home", "--feed", "simulated:?speed=3000")
         it.vigil("monitor", "create", "Always", "--station", "Home", "--condition", "windSpeed.unitValue > -1",
                  "--retrigger", "60", "--action", "Run script=long.sh", "--active")
         it.start()
