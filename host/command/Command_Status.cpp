@@ -40,13 +40,11 @@ std::optional<SiteStatus> resting(const std::string& path, CommandContext& conte
         StationStatus station{.id = record.id, .name = record.name};
         const auto url = FeedUrl::parse(record.feed);
         station.feed = url ? url.value().masked() : record.feed;
-        station.feedState = "none";
-        station.feedWords = "not running";
+        station.feedState = "not running";
         for (const PlugInRecord& plugIn : plugIns.value()) {
             if (plugIn.station != record.id) continue;
             MonitorStatus monitor{.id = plugIn.id, .title = plugIn.title};
-            monitor.state = "not active";
-            monitor.words = "not running";
+            monitor.state = "not running";
             station.monitors.push_back(std::move(monitor));
         }
         status.stations.push_back(std::move(station));

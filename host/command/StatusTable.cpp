@@ -66,6 +66,7 @@ const char* mark(const MonitorStatus& monitor) {
 }
 
 Row rowOf(const MonitorStatus& monitor, Date now) {
+    if (monitor.state == "not running") return {{"–", kQuiet}, {monitor.title}};
     const bool bad = monitor.state == "failed" || monitor.state == "cannot be judged";
     const char* const colour = bad ? kBad : monitor.state == "not active" ? kQuiet : kGood;
     std::string words = monitor.words;
@@ -84,6 +85,7 @@ std::string dataText(const StationStatus& station, Date now) {
 }
 
 Row rowOf(const StationStatus& station, Date now) {
+    if (station.feedState == "not running") return {{station.name}, {station.feed, kQuiet}};
     const bool live = station.feedState == "live" || station.feedState == "starting";
     const bool stale = station.lastData && now.secondsSince(*station.lastData) > kStaleSeconds;
     std::string feed = station.feedState == "none" ? "no feed" : station.feedState;

@@ -68,7 +68,7 @@ Result<Done> RunningSite::restore() {
     for (const PlugInRecord& record : plugIns.value())
         addPlugIn(record);
     waitForUnfinished(interrupted.value());
-    reportGap(interrupted.value());
+    reportInterrupted(interrupted.value());
     return Done{};
 }
 

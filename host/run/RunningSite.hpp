@@ -89,7 +89,7 @@ class RunningSite {
     void startPlugIn(Entry& entry, WatchReason reason);
     void startFeed(RecordId station);
     void waitForUnfinished(const Interrupted& interrupted);
-    void reportGap(const Interrupted& interrupted);
+    void reportInterrupted(const Interrupted& interrupted);
 
     Changes removeChanged(const std::vector<StationRecord>& stations,
                           const std::vector<PlugInRecord>& plugIns);

@@ -114,8 +114,12 @@ void RunningSite::waitForUnfinished(const Interrupted& interrupted) {
         Entry* entry = entryOf(fire.plugIn);
         if (!entry || !entry->hosted) continue;
         QRVPlugIn& plugIn = *entry->hosted->plugIn();
+        std::string outcome = "it offers no wait, so it may fire again at once";
         const auto wait = retriggerSeconds(plugIn);
-        if (!wait || !waitAtLeastUntil(plugIn, fire.time.plus(*wait))) continue;
+        if (wait && waitAtLeastUntil(plugIn, fire.time.plus(*wait)))
+            outcome = "it waits as if that fire had been completed";
+        m_log.logLevel(kLogProblem, "\"" + entry->record.title + "\" was in the middle of a fire of " +
+                                        fire.time.isoText() + " when the last run ended; " + outcome);
         auto archive = archiveOf(*entry);
         if (!archive) continue;
         PlugInRecord record = entry->record;
@@ -124,18 +128,13 @@ void RunningSite::waitForUnfinished(const Interrupted& interrupted) {
     }
 }
 
-void RunningSite::reportGap(const Interrupted& interrupted) {
-    for (const FireRecord& fire : interrupted.fires) {
-        const Entry* entry = entryOf(fire.plugIn);
-        m_log.logLevel(kLogProblem, "\"" + (entry ? entry->record.title : std::string("a monitor")) +
-                                        "\" was in the middle of a fire of " + fire.time.isoText() +
-                                        " when the last run ended; it waits as if that had been completed");
-    }
+void RunningSite::reportInterrupted(const Interrupted& interrupted) {
     for (const EffectRecord& effect : interrupted.effects)
-        m_log.logLevel(kLogProblem, "\"" + effect.title + "\": the " + effectKindName(effect.kind) + " \"" +
-                                        effect.what + "\" of " + effect.queued.isoText() +
-                                        " was interrupted and is not repeated" +
-                                        (effect.detail.empty() ? "" : ": " + effect.detail));
+        m_log.logLevel(kLogProblem,
+                       (effect.title.empty() ? std::string("a monitor") : "\"" + effect.title + "\"") +
+                           ": the " + effectKindName(effect.kind) + " \"" + effect.what + "\" of " +
+                           effect.queued.isoText() + " was interrupted and is not repeated" +
+                           (effect.detail.empty() ? "" : ": " + effect.detail));
 }
 
 }  // namespace vigil
