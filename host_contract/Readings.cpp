@@ -18,13 +18,14 @@ std::shared_ptr<const Readings> Readings::make(std::shared_ptr<const KeyTable> t
     batch->m_entries = std::move(entries);
     batch->m_slots.reserve(batch->m_entries.size());
     batch->m_bySlot.assign(batch->m_table->size(), nullptr);
+    KeyTable::Slot next = 0;
     for (std::size_t i = 0; i < batch->m_entries.size(); ++i) {
         const std::string& key = batch->m_entries[i].propertyName();
-        // Batches of one station nearly always follow the table entry by entry.
-        const bool inPlace =
-            i < batch->m_table->size() && batch->m_table->key(static_cast<KeyTable::Slot>(i)) == key;
-        const auto slot = inPlace ? static_cast<KeyTable::Slot>(i) : batch->m_table->slot(key);
+        // Batches of one station follow the table entry by entry, but for those that are missing.
+        const bool inPlace = next < batch->m_table->size() && batch->m_table->key(next) == key;
+        const auto slot = inPlace ? next : batch->m_table->slot(key);
         if (!slot) throw std::out_of_range("reading \"" + key + "\" is not in the table of its batch");
+        next = *slot + 1;
         batch->m_slots.push_back(*slot);
         const AgentProperty*& place = batch->m_bySlot[*slot];
         if (place) batch->m_hasDuplicates = true;

@@ -34,9 +34,9 @@ class SimulatedSource final : public RecordedSource {
               "windDir",        "windDirText", "barometer",   "rainRate",        "rainDaily",
               "solarRadiation", "uvIndex",     "sunrise",     "sunset",          "batteryOutdoor"}) {
             const KnownReading* known = knownReading(key);
-            m_labels.push_back(std::make_shared<const AgentPropertyLabel>(
-                AgentPropertyLabel{std::string(key), std::string(known->name),
-                                   std::string(isWindSpeed(key) ? "km/h" : known->unit(UnitSystem::Metric)), known->kind}));
+            m_labels.push_back(std::make_shared<const AgentPropertyLabel>(AgentPropertyLabel{
+                std::string(key), std::string(known->name),
+                std::string(isWindSpeed(key) ? "km/h" : known->unit(UnitSystem::Metric)), known->kind}));
             keys.emplace_back(key);
         }
         m_table = KeyTable::make(std::move(keys));

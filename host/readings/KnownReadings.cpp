@@ -58,6 +58,20 @@ constexpr KnownReading kKnown[] = {
     {"sunrise", "Sunrise", None, kDateType},
     {"sunset", "Sunset", None, kDateType},
     {"batteryOutdoor", "Outdoor Battery", None, kTextType},
+    // Of some stations only.
+    {"batteryIndoor", "Indoor Battery", None, kTextType},
+    {"insideDewPoint", "Inside Dew Point", Celsius, kNumericType, {-120, 60}},
+    {"windSpeedAvg2m", "Wind Speed 2 min Average", MetresPerSecond, kNumericType, {0, 130}},
+    {"windGust10m", "Wind Gust, last 10 min", MetresPerSecond, kNumericType, {0, 130}},
+    {"windGustDaily", "Wind Gust, today", MetresPerSecond, kNumericType, {0, 130}},
+    {"windGustDir", "Wind Gust Direction", Degree, kNumericType, {0, 360}},
+    {"windDirAvg", "Wind Direction 10 min Average", Degree, kNumericType, {0, 360}},
+    {"windDirAvg2m", "Wind Direction 2 min Average", Degree, kNumericType, {0, 360}},
+    {"rainEvent", "Rain, this event", Millimetre, kNumericType, {0, 40000}},
+    {"rainWeekly", "Rain, this week", Millimetre, kNumericType, {0, 12000}},
+    {"rainTotal", "Rain, total", Millimetre, kNumericType, {0, 1000000}},
+    {"vapourPressureDeficit", "Vapour Pressure Deficit", Hectopascal, kNumericType, {0, 200}},
+    {"pm10", "PM 10", MicrogramPerCubicMetre, kNumericType, {0, 10000}},
 };
 
 /// Readings of which a station has several, numbered from `first`.
@@ -76,9 +90,10 @@ constexpr Family kFamilies[] = {
     {"leafWetness", "Leaf Wetness", 2, 8, None, {0, 100}},
     {"temp", "Temperature", 1, 8, Celsius, kProbe},
     {"humidity", "Humidity", 1, 8, Percent, kHumidity},
-    {"tf_ch", "Probe Temperature", 1, 8, Celsius, kProbe},
-    {"pm25_ch", "PM 2.5, channel", 1, 4, MicrogramPerCubicMetre, {0, 10000}},
-    {"leak_ch", "Leak", 1, 4, None, {0, 100}},
+    {"extraTemp", "Extra Temperature", 1, 16, Celsius, kProbe},
+    {"extraHumidity", "Extra Humidity", 1, 16, Percent, kHumidity},
+    {"pm25_", "PM 2.5, channel", 2, 4, MicrogramPerCubicMetre, {0, 10000}},
+    {"leak", "Leak", 1, 4, None, {0, 100}},
 };
 
 struct Known {

@@ -1,10 +1,14 @@
 #include "host/readings/KnownReadings.hpp"
 
+#include <fstream>
 #include <set>
+#include <sstream>
+#include <string>
 
 #include <gtest/gtest.h>
 
 #include "host/readings/KeyNames.hpp"
+#include "platform/Number.hpp"
 
 namespace vigil {
 namespace {
@@ -56,6 +60,53 @@ TEST(KnownReadings, recordsAreNoMistakesAndSpikesAre) {
     EXPECT_FALSE(Bounds{}.hold(std::numeric_limits<double>::infinity()));
     EXPECT_FALSE(Bounds{}.hold(std::numeric_limits<double>::quiet_NaN()));
     EXPECT_TRUE(boundsOf(Quantity::Pressure).hold(6.8));  // of vapour
+}
+
+std::string range(Bounds bounds, std::string_view unit) {
+    std::string text = numberText(bounds.least) + " to " + numberText(bounds.most);
+    if (!unit.empty()) (text += ' ') += unit;
+    return text;
+}
+
+/// The reading's line in the table of the manual.
+std::string documented(const KnownReading& known) {
+    const bool number = known.kind == kNumericType;
+    const std::string_view unit = known.unit(UnitSystem::Metric);
+    const std::string_view held = number ? unit : known.kind == kTextType ? "text" : "time";
+    std::string line = "| `" + std::string(known.key) + "` | " + std::string(known.name) + " | ";
+    ((line += held) += " | ") += number ? known.unit(UnitSystem::Us) : "";
+    return line + " | " + (number ? range(known.bounds, unit) : "") + " |";
+}
+
+TEST(KnownReadings, theManualListsThemAsTheyAre) {
+    std::ifstream file(VIGIL_SOURCE_DIR "/docs/readings.md");
+    std::stringstream text;
+    text << file.rdbuf();
+    const std::string manual = text.str();
+    std::size_t lines = 0;
+    for (const KnownReading& known : knownReadings()) {
+        const bool listed = manual.find(documented(known) + "\n") != std::string::npos;
+        // Those of channels are named in a sentence, by the first and the last.
+        std::string next(known.key.substr(0, known.key.find_last_not_of("0123456789") + 1));
+        const std::string number(known.key.substr(next.size()));
+        next += number.empty() ? "" : std::to_string(std::stoi(number) + 1);
+        const bool inside = !number.empty() && knownReading(next);
+        const bool named = manual.find("`" + std::string(known.key) + "`") != std::string::npos;
+        EXPECT_TRUE(listed || inside || (!number.empty() && named)) << documented(known);
+        lines += listed;
+    }
+    EXPECT_GT(lines, 50u);
+    for (const Unit unit :
+         {Unit::Celsius, Unit::Hectopascal, Unit::Millimetre, Unit::MillimetrePerHour, Unit::Metre,
+          Unit::Kilometre, Unit::Percent, Unit::Degree, Unit::Lux, Unit::PartsPerMillion, Unit::Volt,
+          Unit::WattPerSquareMetre, Unit::MicrogramPerCubicMetre, Unit::MetresPerSecond,
+          Unit::HectopascalPerThreeHours}) {
+        const std::string shortUnit = std::string(unitText(unit));
+        EXPECT_NE(
+            manual.find("| " + shortUnit + " | " + range(boundsOf(quantityOf(unit)), shortUnit) + " |\n"),
+            std::string::npos)
+            << shortUnit;
+    }
 }
 
 }  // namespace

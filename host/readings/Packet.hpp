@@ -12,8 +12,8 @@ namespace vigil {
 
 /// One value of a packet, under the key by which the station's readings know it.
 struct PacketReading {
-    std::string key;   ///< of a known reading, or the name as it was sent
-    std::string name;  ///< the display name; empty: the known one, or the name as it was sent
+    std::string key{};   ///< of a known reading, or the name as it was sent
+    std::string name{};  ///< the display name; empty: the known one, or the name as it was sent
     FourCharCode type = kNumericType;
     bool missing = false;    ///< the sender says that there is no value
     double value = 0;        ///< numeric: in `unit`; date: seconds since 2001; text: 0
@@ -36,7 +36,7 @@ struct Packet {
     /// as it stands; else the fresh readings of before stand beside it, since others send them.
     std::string sensor{};
     std::optional<Date> time{};  ///< absent: when it arrived
-    Date arrived;
+    Date arrived{};
     bool retained = false;  ///< kept by a broker from before: shown, but not news
     std::vector<PacketReading> readings{};
 };

@@ -12,15 +12,15 @@ namespace vigil {
 // Packets made up by hand, for tests and benchmarks. Any thread.
 
 inline PacketReading numberSample(std::string key, double value, Unit unit = Unit::None) {
-    return {.key = std::move(key), .name = {}, .value = value, .unit = unit};
+    return {.key = std::move(key), .value = value, .unit = unit};
 }
 
 inline PacketReading textSample(std::string key, std::string text) {
-    return {.key = std::move(key), .name = {}, .type = kTextType, .text = std::move(text)};
+    return {.key = std::move(key), .type = kTextType, .text = std::move(text)};
 }
 
 inline PacketReading missingSample(std::string key) {
-    return {.key = std::move(key), .name = {}, .missing = true};
+    return {.key = std::move(key), .missing = true};
 }
 
 /// `at` is the arrival, in seconds since 2001; the packet has no time of its own.

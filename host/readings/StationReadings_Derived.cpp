@@ -43,6 +43,7 @@ void StationReadings::State::putDerived(std::size_t& index, std::string_view key
     StationEntry* entry = made(index, key);
     if (!entry) return;
     table.settleUnits(*entry, Unit::None, {});
+    if (!entry->bounds.hold(value)) return;  // of inputs that their sender alone has judged
     const auto& label = table.label(*entry, {}, unitText(entry->shown), kNumericType, true);
     put(*entry,
         {label, {.value = value, .unitValue = *convert(value, entry->held, entry->shown), .time = time}});

@@ -91,6 +91,7 @@ void StationReadings::State::sample(Rolling& rolling, const AgentProperty& readi
 
 void StationReadings::State::putRolling(Rolling& rolling, const RollingSample& number, std::string_view unit,
                                         Date time) {
+    if (!std::isfinite(number.value) || !std::isfinite(number.unitValue)) return;  // a sum too large
     if (rolling.entry == kNowhere) rolling.entry = table.addReserved(rolling.key);
     if (rolling.entry == kNowhere) {
         ++counts.noPlace;

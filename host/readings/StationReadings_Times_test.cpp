@@ -39,6 +39,7 @@ TEST(SensorClock, timesThatGoOnFromAnEarlierOneAreBelieved) {
     EXPECT_EQ(clock.judge(Date(6416), Date(516)), Verdict::Late);
     EXPECT_EQ(clock.judge(Date(6416), Date(516.2)), Verdict::Late) << "the same transmission again";
     EXPECT_EQ(clock.judge(Date(6432), Date(532)), Verdict::Late);
+    EXPECT_EQ(clock.judge(Date(6432), Date(532.2)), Verdict::Late);
     EXPECT_EQ(clock.judge(Date(6448), Date(548)), Verdict::SetBack);
     EXPECT_EQ(clock.judge(Date(6464), Date(564)), Verdict::InOrder);
 }
@@ -131,6 +132,20 @@ TEST_F(StationTimes, theHostsClockMayBeSetBack) {
     EXPECT_EQ(m_station.counts().late, 0u);
     EXPECT_EQ(take(-7186, -7186, 2), Kind::Late) << "a clock that is slowed down is not set back";
     EXPECT_EQ(m_station.counts().jumps, 1u);
+}
+
+TEST_F(StationTimes, whatIsFreshGrowsOldAlsoAfterTheHostsClockWasSetBack) {
+    const auto gust = [&](double at) {
+        m_taken =
+            m_station.take(packetSample(kNow + at, {numberSample("windGust", 25)}, "shed"), Date(kNow + at));
+        EXPECT_EQ(m_taken.kind, Kind::News);
+        return m_taken.batch && m_taken.batch->objectForKey("windSpeed");
+    };
+    EXPECT_EQ(take(0, 0, 20, "vane"), Kind::News);
+    EXPECT_TRUE(gust(10));
+    EXPECT_TRUE(gust(-7200));
+    EXPECT_TRUE(gust(-7200 + 597));
+    EXPECT_FALSE(gust(-7200 + 601));
 }
 
 TEST_F(StationTimes, ofMoreSensorsThanAreRememberedTheOneHeardLongestAgoIsForgotten) {

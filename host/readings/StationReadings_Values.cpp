@@ -79,7 +79,7 @@ void StationReadings::State::readText(const PacketReading& sent, std::size_t ind
 
 void StationReadings::State::readDate(const PacketReading& sent, std::size_t index,
                                       std::optional<Date> time) {
-    if (!std::isfinite(sent.value)) return hasNoValue(index);
+    if (!std::isfinite(sent.value) || !std::isfinite(sent.unitValue.value_or(0))) return hasNoValue(index);
     const auto& label = table.label(table.at(index), sent.name, {}, kDateType, sent.visible);
     values.push_back({index,
                       {label,

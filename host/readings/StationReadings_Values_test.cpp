@@ -110,6 +110,9 @@ TEST_F(StationValues, thatAreMissingAreLeftOut) {
     EXPECT_EQ(counts().missing, 10u);
     EXPECT_EQ(counts().implausible, 0u);
     EXPECT_EQ(m_station.current()->objectForKey("dewPoint")->value(), 4) << "what was known stays known";
+    EXPECT_TRUE(batch->table()->slot("dewPoint"));
+    EXPECT_FALSE(batch->table()->slot("never")) << "what never had a value is no reading";
+    EXPECT_FALSE(batch->table()->slot("stationModel"));
 }
 
 TEST_F(StationValues, thatCannotBeAreLeftOutAndCounted) {
