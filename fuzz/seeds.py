@@ -4,6 +4,7 @@
     seeds.py FOLDER
 """
 
+import itertools
 import pathlib
 import shutil
 import sys
@@ -57,6 +58,18 @@ def archives():
         yield path.read_bytes()
 
 
+def fields(prefix, *names):
+    """The values of the fields of that name in the feeds' vectors."""
+    for path in sorted((VECTORS / "feeds").glob(prefix + "*.txt")):
+        for line in path.read_text(encoding="utf-8").split("\n"):
+            name, colon, value = line.partition(":")
+            value = value.removeprefix(" ")
+            if colon and name in names:
+                yield value.encode()
+            elif colon and name.removesuffix("-bytes") in names:
+                yield unescaped(value)
+
+
 def files(folder, suffix):
     for path in sorted((VECTORS / folder).glob("*" + suffix)):
         yield path.read_bytes()
@@ -66,6 +79,10 @@ SEEDS = {
     "condition": conditions,
     "archive": archives,
     "csv": lambda: files("csv", ".csv"),
+    "feed_url": lambda: fields("feed_urls", "url"),
+    "upload": lambda: itertools.chain(fields("uploads", "path", "query", "body"), fields("wire_uploads", "message")),
+    "message": lambda: itertools.chain.from_iterable(
+        fields(form, "message") for form in ("wire_lines", "wire_rtl433", "wire_weewx", "wire_guessed")),
     "json_lines": lambda: files("jsonlines", ".jsonl"),
 }
 

@@ -24,9 +24,9 @@ std::optional<double> numberInText(std::string_view text) {
     return number;
 }
 
-std::optional<std::string> givenText(const PacketReading& sent) {
-    if (sent.text.empty()) return std::nullopt;
-    return isValidUtf8(sent.text) ? sent.text : repairedUtf8(sent.text);
+std::optional<std::string> given(const std::string& text) {
+    if (text.empty()) return std::nullopt;
+    return isValidUtf8(text) ? text : repairedUtf8(text);
 }
 
 }  // namespace
@@ -74,7 +74,11 @@ void StationReadings::State::hasNoValue(std::size_t index) {
 void StationReadings::State::readText(const PacketReading& sent, std::size_t index,
                                       std::optional<Date> time) {
     const auto& label = table.label(table.at(index), sent.name, sent.unitText, kTextType, sent.visible);
-    values.push_back({index, {label, {.stringValue = givenText(sent), .time = time}}});
+    values.push_back({index,
+                      {label,
+                       {.stringValue = given(sent.text),
+                        .time = time,
+                        .unitStringValueWithUnitShort = given(sent.unitString)}}});
 }
 
 void StationReadings::State::readDate(const PacketReading& sent, std::size_t index,
@@ -85,8 +89,9 @@ void StationReadings::State::readDate(const PacketReading& sent, std::size_t ind
                       {label,
                        {.value = sent.value,
                         .unitValue = sent.unitValue.value_or(sent.value),
-                        .stringValue = givenText(sent),
-                        .time = time}}});
+                        .stringValue = given(sent.text),
+                        .time = time,
+                        .unitStringValueWithUnitShort = given(sent.unitString)}}});
 }
 
 void StationReadings::State::readNumber(const PacketReading& sent, std::size_t index,
@@ -121,13 +126,15 @@ void StationReadings::State::readNumber(const PacketReading& sent, std::size_t i
     std::string_view unit = entry.ownText ? std::string_view(sent.unitText) : unitText(entry.shown);
     if (judged) unit = sent.unitText.empty() ? unitText(sent.unit) : std::string_view(sent.unitText);
     const FourCharCode type = inText ? kNumericType : sent.type;
+    const bool isShown = judged || entry.from == entry.shown;
     const auto& label = table.label(entry, sent.name, unit, type, sent.visible);
     values.push_back({index,
                       {label,
                        {.value = value,
                         .unitValue = unitValue,
-                        .stringValue = inText ? std::nullopt : givenText(sent),
-                        .time = time}}});
+                        .stringValue = inText ? std::nullopt : given(sent.text),
+                        .time = time,
+                        .unitStringValueWithUnitShort = isShown ? given(sent.unitString) : std::nullopt}}});
 }
 
 }  // namespace vigil

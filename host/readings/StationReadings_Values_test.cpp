@@ -57,6 +57,19 @@ TEST_F(StationValues, withoutAUnitAreInTheOneHeldInside) {
     EXPECT_EQ(batch->objectForKey("thing")->unitStringValueWithUnitShort(), "4");
 }
 
+TEST_F(StationValues, keepTheSendersOwnPrintOnlyWhereItsUnitIsShown) {
+    const auto printed = [](PacketReading reading, const char* text) {
+        reading.unitString = text;
+        return reading;
+    };
+    const auto batch = take({printed(numberSample("outsideTemp", 10, Unit::Celsius), "10 degrees"),
+                             printed(numberSample("barometer", 29.9, Unit::InchOfMercury), "29.9 inches"),
+                             printed(textSample("sky", "Rain"), "it rains")});
+    EXPECT_EQ(batch->objectForKey("outsideTemp")->unitStringValueWithUnitShort(), "50 °F");
+    EXPECT_EQ(batch->objectForKey("barometer")->unitStringValueWithUnitShort(), "29.9 inches");
+    EXPECT_EQ(batch->objectForKey("sky")->unitStringValueWithUnitShort(), "it rains");
+}
+
 TEST_F(StationValues, areKeptAsTheyAreWhereTheSenderGivesBoth) {
     PacketReading both = numberSample("windSpeed", -3);
     both.unitValue = 77;

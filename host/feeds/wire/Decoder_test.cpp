@@ -9,7 +9,6 @@
 
 #include "host/feeds/OpenRecorded.hpp"
 #include "host/feeds/wire/MakeDecoder.hpp"
-#include "host/feeds/wire/UnitTexts.hpp"
 
 namespace vigil {
 namespace {
@@ -49,6 +48,19 @@ TEST(Decoder, GivesReadyReadingsBackAsTheyAre) {
         EXPECT_EQ(packet.readings[2].type, kDateType);
         EXPECT_EQ(packet.readings[2].value, 300);
     }
+}
+
+TEST(Decoder, LeavesReadyNumbersThatNobodyHasConvertedToTheStation) {
+    const auto label = std::make_shared<const AgentPropertyLabel>(
+        AgentPropertyLabel{"outsideTemp", "Outside Temperature", "°F", kNumericType});
+    const auto readings = Readings::make({AgentProperty(label, {.value = 50, .unitValue = 50})});
+    std::vector<Packet> packets;
+    decoderOf("csv:a.csv")->decode({.arrived = Date(500), .ready = readings}, packets, {});
+    ASSERT_EQ(packets.size(), 1u);
+    EXPECT_EQ(packets[0].time, std::nullopt);
+    EXPECT_EQ(packets[0].readings.at(0).value, 50);
+    EXPECT_EQ(packets[0].readings.at(0).unitValue, std::nullopt);
+    EXPECT_EQ(packets[0].readings.at(0).unitText, "°F");
 }
 
 TEST(Decoder, TakesWhatTheSimulationGives) {
@@ -95,19 +107,6 @@ TEST(Decoder, NeverTellsAPassword) {
     for (const Packet& packet : packets)
         for (const PacketReading& reading : packet.readings)
             EXPECT_EQ((reading.key + reading.text).find("hush"), std::string::npos);
-}
-
-TEST(UnitTexts, AreKnownAsPeopleWriteThem) {
-    EXPECT_EQ(unitOfText("°C"), Unit::Celsius);
-    EXPECT_EQ(unitOfText("µg/m³"), Unit::MicrogramPerCubicMetre);
-    EXPECT_EQ(unitOfText("\xCE\xBCg/m³"), Unit::MicrogramPerCubicMetre);
-    EXPECT_EQ(unitOfText("hPa/3 h"), Unit::HectopascalPerThreeHours);
-    EXPECT_EQ(unitOfText("%"), Unit::Percent);
-    EXPECT_EQ(unitOfText("mph"), Unit::MilesPerHour);
-    EXPECT_EQ(unitOfText("W/m2"), Unit::WattPerSquareMetre);
-    EXPECT_EQ(unitOfText(""), Unit::None);
-    EXPECT_EQ(unitOfText("MPH"), Unit::None);
-    EXPECT_EQ(unitOfText("zz"), Unit::None);
 }
 
 /// The zone of the process, for as long as this lives.

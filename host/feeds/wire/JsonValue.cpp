@@ -3,6 +3,7 @@
 #include <simdjson.h>
 
 #include "host/feeds/wire/WireReading.hpp"
+#include "host/readings/MissingMarks.hpp"
 #include "platform/Number.hpp"
 
 namespace vigil {
@@ -32,7 +33,7 @@ JsonValue jsonValue(const simdjson::dom::element& value) {
             return {.kind = JsonValue::Other};
     }
     const double number = double(value);
-    return {.missing = number == -9999, .number = number, .text = numberText(number)};
+    return {.missing = isMissingNumber(number), .number = number, .text = numberText(number)};
 }
 
 }  // namespace vigil

@@ -8,7 +8,6 @@
 #include "host/feeds/ReadingForm.hpp"
 #include "host/feeds/Recorded.hpp"
 #include "host/feeds/TimeForms.hpp"
-#include "host/feeds/wire/UnitTexts.hpp"
 
 namespace vigil {
 namespace {
@@ -28,8 +27,8 @@ Result<std::optional<Date>> timeOf(const object& given) {
     return Error{"expected a text or seconds since 1970"};
 }
 
-/// Like what a recorded file gives, so that a station behaves live as in a replay: a sender that gives both
-/// values has converted for itself.
+/// A sender that gives both values, or only the one for people, has converted for itself, and both stay as
+/// they are in a recorded file; what has one raw value is the station's to show.
 void fill(PacketReading& reading, std::string_view key, const ReadingForm& form) {
     reading.key = key;
     if (form.name) reading.name = *form.name;
@@ -39,7 +38,6 @@ void fill(PacketReading& reading, std::string_view key, const ReadingForm& form)
     reading.value = form.value ? *form.value : form.unitValue.value_or(seconds);
     reading.unitValue = form.unitValue;
     if (form.unit) reading.unitText = *form.unit;
-    if (form.unit && !form.unitValue && form.value) reading.unit = unitOfText(*form.unit);
     if (form.stringValue) reading.text = *form.stringValue;
     if (form.unitString) reading.unitString = *form.unitString;
     reading.time = form.time;
@@ -93,7 +91,9 @@ Packet readyPacket(const RawMessage& message) {
         reading.name = entry.name();
         reading.type = entry.type();
         reading.value = entry.value();
-        reading.unitValue = entry.unitValue();
+        // Where nobody has converted, the station may, and may doubt the value.
+        if (entry.type() == kDateType || entry.unitValue() != entry.value())
+            reading.unitValue = entry.unitValue();
         reading.unitText = entry.unit();
         reading.text =
             entry.type() == kTextType ? entry.stringValue() : entry.givenStringValue().value_or("");

@@ -25,7 +25,7 @@ std::string sensorOf(const object& given) {
         const JsonValue read = jsonValue(value);
         if (read.kind == JsonValue::Other || read.text.empty()) continue;
         if (!sensor.empty()) sensor += '/';
-        sensor += read.text.substr(0, kLongestName);
+        sensor += shortened(read.text, kLongestName);
     }
     return sensor;
 }
@@ -46,7 +46,7 @@ PacketReading batteryOk(const JsonValue& value) {
 std::optional<PacketReading> readingOf(std::string_view member, const JsonValue& value,
                                        const DecodeProblem& problem) {
     if (value.kind == JsonValue::Other) {
-        tell(problem, "rtl_433: " + std::string(member.substr(0, kLongestName)) +
+        tell(problem, "rtl_433: " + std::string(shortened(member, kLongestName)) +
                           ": expected a number or a text; left out");
         return std::nullopt;
     }
@@ -81,7 +81,7 @@ void Rtl433Reader::take(const object& given, const RawMessage& message, std::vec
                         const DecodeProblem& problem) {
     Packet packet{.sensor = sensorOf(given), .arrived = message.arrived, .retained = message.retained};
     const auto place = m_choice.place(packet.sensor);
-    if (place == SensorChoice::Place::Elsewhere) return;
+    if (place.where == SensorChoice::Place::Elsewhere) return;
     packet.time = timeOf(given, message.arrived, problem);
     const bool tyre = isTyre(given);
     const bool hasIndex = given["uvi"].error() == simdjson::SUCCESS;
@@ -97,10 +97,9 @@ void Rtl433Reader::take(const object& given, const RawMessage& message, std::vec
         if (!reading) continue;
         // A car's tyre, or a sensor's raw count beside the index, is no weather.
         if ((tyre && member != "battery_ok") || (member == "uv" && hasIndex)) reading->key = member;
-        if (place == SensorChoice::Place::Inside)
-            SensorChoice::moveInside(*reading);
-        else if (reading->key != member)
+        if (reading->key != member && place.where == SensorChoice::Place::Outside)
             m_choice.noteKey(packet.sensor, reading->key, problem);
+        SensorChoice::put(*reading, place);
         list.add(*std::move(reading));
     }
     packets.push_back(std::move(packet));

@@ -17,12 +17,17 @@ class SensorChoice {
   public:
     explicit SensorChoice(const FeedUrl& url);
 
-    enum class Place { Elsewhere, Outside, Inside };
+    struct Place {
+        enum { Elsewhere, Outside, Inside } where = Elsewhere;
+        std::size_t number = 0;  ///< which of the names of its option chose it, from 0
+    };
     Place place(std::string_view sensor) const;
 
-    /// Puts a reading of a sensor inside where it stands there.
-    static void moveInside(PacketReading& reading);
-    /// Tells once where two sensors send the same reading and nobody has chosen between them.
+    /// Gives a reading the key that it has at its place: what is outside by the table of the form may stand
+    /// inside, and a further sensor's battery is not the first one's.
+    static void put(PacketReading& reading, const Place& place);
+    /// Tells once where two sensors send the same reading and nobody has chosen between them. A battery is
+    /// every sensor's own.
     void noteKey(std::string_view sensor, const std::string& key, const DecodeProblem& problem);
 
   private:

@@ -135,17 +135,16 @@ void UploadReader::take(const RawMessage& message, std::vector<Packet>& packets,
     Packet packet{.identity = request.identity, .arrived = message.arrived, .retained = message.retained};
     if (const UploadField* sensor = fieldNamed(fields, "sensor")) packet.sensor = sensor->value;
     const auto place = m_choice.place(packet.sensor);
-    if (place == SensorChoice::Place::Elsewhere && !packet.sensor.empty()) return;
+    if (place.where == SensorChoice::Place::Elsewhere && !packet.sensor.empty()) return;
     packet.time = timeOf(fields, message.arrived, problem);
     packet.readings.reserve(std::min(fields.size(), kMostReadingsOfMessage));
     ReadingList list(packet.readings, problem);
     for (const UploadField& field : fields) {
         auto made = reading(upload, field, problem);
         if (!made) continue;
-        if (place == SensorChoice::Place::Inside)
-            SensorChoice::moveInside(*made);
-        else if (made->key != field.name)
+        if (made->key != field.name && place.where == SensorChoice::Place::Outside)
             m_choice.noteKey(packet.sensor, made->key, problem);
+        SensorChoice::put(*made, place);
         list.add(*std::move(made));
     }
     packets.push_back(std::move(packet));

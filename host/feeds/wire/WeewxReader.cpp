@@ -6,6 +6,7 @@
 
 #include "host/feeds/Recorded.hpp"
 #include "host/feeds/wire/WireTime.hpp"
+#include "host/readings/KeyNames.hpp"
 
 namespace vigil {
 namespace {
@@ -26,8 +27,14 @@ std::string_view nameOf(std::string_view route) {
     return slash == std::string_view::npos ? route : route.substr(slash + 1);
 }
 
+/// Packets may be partial, and a topic may carry one value of many: what comes by one topic never is all that
+/// the station has.
+std::string sensorOf(const RawMessage& message) {
+    return message.route.empty() ? "weewx" : repairedUtf8(shortened(message.route, kLongestName));
+}
+
 std::string shownName(std::string_view name) {
-    return "weewx: " + std::string(name.substr(0, kLongestName));
+    return "weewx: " + repairedUtf8(shortened(name, kLongestName));
 }
 
 std::optional<Date> timeOf(const JsonValue& value, Date arrived, const DecodeProblem& problem) {
@@ -87,7 +94,7 @@ std::optional<PacketReading> WeewxReader::reading(std::string_view name, const J
 
 void WeewxReader::take(const object& given, const RawMessage& message, std::vector<Packet>& packets,
                        const DecodeProblem& problem) {
-    Packet packet{.arrived = message.arrived, .retained = message.retained};
+    Packet packet{.sensor = sensorOf(message), .arrived = message.arrived, .retained = message.retained};
     const std::string_view group = groupOf(message.route);
     if (element units; given["usUnits"].get(units) == simdjson::SUCCESS)
         noteSystem(group, jsonValue(units), problem);
@@ -109,18 +116,18 @@ void WeewxReader::take(const object& given, const RawMessage& message, std::vect
 
 void WeewxReader::takeValue(const RawMessage& message, std::vector<Packet>& packets,
                             const DecodeProblem& problem) {
-    const std::string_view name = nameOf(message.route);
+    const std::string name = repairedUtf8(nameOf(message.route));
     const std::string_view group = groupOf(message.route);
     if (message.payload.size() > kLongestValue)
         return tell(problem,
                     shownName(name) + ": more than " + std::to_string(kLongestValue) + " bytes; left out");
-    const JsonValue value = textValue(message.payload);
+    const JsonValue value = textValue(repairedUtf8(message.payload));
     if (name == "usUnits") return noteSystem(group, value, problem);
     // The time has a topic of its own and could only be matched with the values by guessing.
     if (name == "dateTime") return;
     auto made = reading(name, value, systemOf(group), problem);
     if (!made) return;
-    Packet packet{.arrived = message.arrived, .retained = message.retained};
+    Packet packet{.sensor = sensorOf(message), .arrived = message.arrived, .retained = message.retained};
     packet.readings.push_back(*std::move(made));
     packets.push_back(std::move(packet));
 }

@@ -1,12 +1,12 @@
 #include "host/feeds/wire/WireReading.hpp"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <utility>
 
 #include "host/readings/KeyNames.hpp"
+#include "host/readings/MissingMarks.hpp"
 
 namespace vigil {
 namespace {
@@ -70,19 +70,24 @@ std::optional<double> numberInText(std::string_view text) {
 }
 
 bool isNoValue(std::string_view text) {
-    constexpr std::array<std::string_view, 7> kMarks = {"na", "n/a", "nan", "none", "null", "-", "--"};
-    constexpr std::size_t kLongestMark = 16;
-    text = trimmed(text);
-    if (text.empty()) return true;
-    if (text.size() > kLongestMark) return false;
-    if (std::find(kMarks.begin(), kMarks.end(), lowered(text)) != kMarks.end()) return true;
+    if (isMissingWord(text)) return true;
     const auto number = numberInText(text);
-    return number == -9999 || number == -9999.9;
+    return number && isMissingNumber(*number);
+}
+
+std::string_view shortened(std::string_view text, std::size_t most) {
+    if (text.size() <= most) return text;
+    const auto continues = [&text](std::size_t at) {
+        return (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
+    };
+    while (most > 0 && continues(most))
+        --most;
+    return text.substr(0, most);
 }
 
 std::string quotedForPeople(std::string_view text) {
     constexpr std::size_t kMostShown = 40;
-    const std::string repaired = repairedUtf8(text.substr(0, kMostShown));
+    const std::string repaired = repairedUtf8(shortened(text, kMostShown));
     return "\"" + repaired + (text.size() > kMostShown ? "…\"" : "\"");
 }
 

@@ -25,9 +25,12 @@ PacketReading wireMissing(std::string key, FourCharCode type);
 /// A finite number in plain or exponent notation; blanks around it and a "+" in front do not matter.
 std::optional<double> numberInText(std::string_view text);
 
-/// Whether a text stands for "no value": empty; -9999 and -9999.9 however they are written; N/A, NA, NaN,
-/// None, null, -, -- in any case of letters. 9999 does not: it is an ordinary brightness.
+/// Whether a text stands for "no value": a word (MissingMarks.hpp), or -9999 and -9999.9 however they are
+/// written.
 bool isNoValue(std::string_view text);
+
+/// At most so many bytes from the front, cut between characters.
+std::string_view shortened(std::string_view text, std::size_t most);
 
 /// In quotes, for a sentence: repaired where it is not UTF-8 and cut behind 40 bytes.
 std::string quotedForPeople(std::string_view text);
