@@ -39,6 +39,18 @@ const char* isAboveZero(std::string_view value) {
     return good ? nullptr : "expected a number above 0";
 }
 
+const char* isSpeed(std::string_view value) {
+    return value == "0" || !isAboveZero(value) ? nullptr : "expected a number above 0, or 0 for no pauses";
+}
+
+const char* isShift(std::string_view value) {
+    return value == "now" || value == "keep" ? nullptr : "expected now or keep";
+}
+
+const char* isBegin(std::string_view value) {
+    return value == "start" || value == "end" ? nullptr : "expected start or end";
+}
+
 const char* isQos(std::string_view value) {
     return value == "0" || value == "1" ? nullptr : "expected 0 or 1";
 }
@@ -84,7 +96,9 @@ struct Rule {
 
 constexpr Rule kRules[] = {
     {"seed", in(Kind::Simulated), isWhole},
-    {"speed", in(Kind::Simulated) | in(Kind::Csv), isAboveZero},
+    {"speed", in(Kind::Simulated) | in(Kind::Csv), isSpeed},
+    {"shift", in(Kind::Csv), isShift},
+    {"from", in(Kind::Lines), isBegin},
     {"step", in(Kind::Simulated), isAboveZero},
     {"time-column", in(Kind::Csv), isThere},
     {"station-column", in(Kind::Csv), isThere},

@@ -29,8 +29,7 @@ ExecFeed::~ExecFeed() {
     {
         // a program that the system itself holds fast does not end; it is left to it
         std::unique_lock lock(m_mutex);
-        m_changed.wait_for(lock, m_timing.termGrace + std::chrono::milliseconds(200),
-                           [this] { return m_over; });
+        m_changed.wait_until(lock, m_endBy, [this] { return m_over; });
     }
     m_loop.remove(*this);
 }
@@ -40,6 +39,7 @@ void ExecFeed::askToEnd() {
         const std::lock_guard lock(m_mutex);
         if (m_asked) return;
         m_asked = true;
+        m_endBy = Steady::now() + m_timing.termGrace + std::chrono::milliseconds(200);
     }
     m_loop.wake(*this);
 }

@@ -54,6 +54,7 @@ class ExecFeed final : public Feed, private FeedLoop::Member {
     std::mutex m_mutex;  // of these three
     std::condition_variable m_changed;
     bool m_asked = false, m_over = false;
+    Time m_endBy{};
 
     // of the loop's thread
     BackOff m_backOff;

@@ -73,6 +73,7 @@ Feeds::State::Made Feeds::State::makeExec(const FeedUrl& url, const Outlet& outl
 }
 
 Feeds::State::Made Feeds::State::makeUpload(const FeedUrl& url, const Outlet& outlet) {
+    std::erase_if(listeners, [](const auto& entry) { return entry.second.expired(); });
     auto& known = listeners[{url.host, url.port}];
     std::shared_ptr<UploadListener> listener = known.lock();
     if (!listener) {
@@ -98,6 +99,7 @@ Feeds::State::Made Feeds::State::makeMqtt(const FeedUrl& url, const Outlet& outl
                               .user = url.user,
                               .secret = options.text("secret").value_or(""),
                               .client = options.text("client").value_or("")};
+    std::erase_if(clients, [](const auto& entry) { return entry.second.expired(); });
     auto& known = clients[address];
     std::shared_ptr<MqttClient> client = known.lock();
     if (!client) {

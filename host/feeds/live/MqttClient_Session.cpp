@@ -113,7 +113,8 @@ std::string MqttClient::Session::serve() {
     // does not wait for the broker, but for the system while it looks up the name
     const int result =
         ::mosquitto_connect_async(client.get(), m_address.host.c_str(), m_address.port, keepAlive);
-    if (result != MOSQ_ERR_SUCCESS && result != MOSQ_ERR_CONN_PENDING) return reason(result);
+    if (result != MOSQ_ERR_SUCCESS && result != MOSQ_ERR_CONN_PENDING)
+        return (result == MOSQ_ERR_TLS && !m_address.ca.empty() ? m_address.ca + ": " : "") + reason(result);
     if (m_ending) return {};
     return serveConnected(client.get());
 }

@@ -144,7 +144,9 @@ MHD_Result UploadListener::State::bring(MHD_Connection* connection, const char* 
     const std::string_view reply = upload.answer();
     if (const auto outlet = stations.claim(upload.identity)) {
         RawMessage message;
-        message.route = path.substr(0, path.find('='));
+        // fields that stick to the path are no part of the way
+        const std::size_t equals = path.find('=');
+        message.route = equals == std::string_view::npos ? path : path.substr(0, path.rfind('/', equals) + 1);
         message.payload = std::move(upload.text);
         outlet->arrived(std::move(message));
     } else {
