@@ -8,8 +8,8 @@
 #include "host/command/Commands.hpp"
 #include "host/command/ConditionAnswer.hpp"
 #include "host/command/MonitorLines.hpp"
-#include "host/kit/MonitorModule.hpp"
 #include "host/command/OpenMonitor.hpp"
+#include "host/kit/MonitorModule.hpp"
 
 namespace vigil {
 namespace {

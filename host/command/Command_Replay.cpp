@@ -8,34 +8,20 @@
 #include "host/command/Commands.hpp"
 #include "host/command/ConditionAnswer.hpp"
 #include "host/command/FeedOptions.hpp"
-#include "host/kit/MonitorModule.hpp"
+#include "host/command/HistoryReplay.hpp"
 #include "host/command/Replay.hpp"
 #include "host/command/ReplayLines.hpp"
+#include "host/command/ReplayLog.hpp"
 #include "host/kit/InterfaceFile.hpp"
+#include "host/kit/MonitorModule.hpp"
 #include "host/kit/StandardLog.hpp"
 
 namespace vigil {
 namespace {
 
-/// Writes the monitor's log to the error stream, with the time of the records.
-class ReplayLog final : public QRVLog {
-  public:
-    ReplayLog(Output& output, int highestLevel, const Date& now)
-        : m_output(output), m_highest(highestLevel), m_now(now) {}
-
-    bool takesLevel(int level) const override { return level <= m_highest; }
-    void logLevel(int level, std::string_view message) override {
-        m_output.errorText(fmt::format("{} {} {}\n", m_now.isoText(), level, message));
-    }
-
-  private:
-    Output& m_output;
-    const int m_highest;
-    const Date& m_now;
-};
-
 struct ReplayOptions {
     FeedOptions feed;
+    HistoryReplayOptions history;
     std::string condition;
     double retrigger = 1;
     bool onChange = false;
@@ -110,11 +96,17 @@ void replay(const ReplayOptions& options, CommandContext& context) {
 void addReplayCommand(CLI::App& app, CommandContext& context) {
     auto options = std::make_shared<ReplayOptions>();
     auto* command = app.add_subcommand("replay", "When would a monitor have fired on recorded readings?");
-    command->add_option("FILE", options->feed.path, "JSON lines or CSV with a header; - for standard input")
-        ->required();
-    command->add_option("--condition", options->condition, "The monitor's condition, as one argument")
-        ->type_name("CONDITION")
-        ->required();
+    auto* file = command->add_option("FILE", options->feed.path,
+                                     "JSON lines or CSV with a header; - for standard input");
+    auto* condition =
+        command->add_option("--condition", options->condition, "The monitor's condition, as one argument")
+            ->type_name("CONDITION");
+    auto* monitor = command
+                        ->add_option("--monitor", options->history.monitor,
+                                     "Instead of FILE and --condition: a monitor of a site, over its history")
+                        ->type_name("TITLE")
+                        ->excludes(condition)
+                        ->excludes(file);
     command
         ->add_option("--retrigger", options->retrigger, "Minutes to wait after a fire, fractions allowed (1)")
         ->type_name("MINUTES")
@@ -130,14 +122,28 @@ void addReplayCommand(CLI::App& app, CommandContext& context) {
                       "One JSON object a line; docs/formats/replay.md tells its form");
     command->add_flag("--log", options->log, "Write the monitor's log to the error stream");
     addFeedOptions(*command, options->feed);
+    addHistoryOptions(*command, options->history.choice);
     command->footer(
         "Runs the monitor's own module on a clock that the records turn; no action is run.\n"
         "The status is 0 when it would have fired at least once, 1 when never, 2 when nothing could be "
         "read.\n"
+        "With --monitor it tells the fires that were recorded and those of the replay; the status is 1 when\n"
+        "they differ.\n"
         "Examples:\n"
         "  vigil replay station.csv --condition 'windSpeed.unitValue > 25'\n"
-        "  vigil replay station.csv --condition 'outsideTemp.unitValue < 0' --retrigger 60 --trace --json");
-    command->callback([options, &context] { replay(*options, context); });
+        "  vigil replay station.csv --condition 'outsideTemp.unitValue < 0' --retrigger 60 --trace --json\n"
+        "  vigil replay --monitor Frost --since \"3 days ago\"");
+    command->callback([options, file, condition, monitor, &context] {
+        if (monitor->count() > 0) {
+            options->history.trace = options->trace;
+            options->history.json = options->json;
+            options->history.log = options->log;
+            return replayHistory(options->history, context);
+        }
+        if (file->count() == 0) throw CLI::RequiredError("FILE");
+        if (condition->count() == 0) throw CLI::RequiredError("--condition");
+        replay(*options, context);
+    });
 }
 
 }  // namespace vigil

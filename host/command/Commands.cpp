@@ -4,9 +4,9 @@ namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
     static const std::vector<AddCommand> commands = {
-        addDemoCommand,    addReplayCommand, addCheckCommand,  addEvalCommand,
-        addExplainCommand, addRunCommand,    addStatusCommand, addActionsCommand,
-        addMonitorCommand, addDoctorCommand, addPluginCommand,
+        addDemoCommand,    addHistoryCommand, addReplayCommand, addCheckCommand,
+        addEvalCommand,    addExplainCommand, addRunCommand,    addStatusCommand,
+        addActionsCommand, addMonitorCommand, addDoctorCommand, addPluginCommand,
     };
     return commands;
 }

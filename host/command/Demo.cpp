@@ -5,12 +5,12 @@
 #include <thread>
 
 #include "host/command/CycleNote.hpp"
-#include "host/kit/MonitorModule.hpp"
 #include "host/feeds/OpenRecorded.hpp"
 #include "host/kit/ExceptionText.hpp"
 #include "host/kit/HostedPlugIn.hpp"
 #include "host/kit/InterfaceFile.hpp"
 #include "host/kit/LiveWorld.hpp"
+#include "host/kit/MonitorModule.hpp"
 #include "host/kit/StandardLog.hpp"
 #include "host/kit/Station.hpp"
 #include "host/services/SystemClock.hpp"
@@ -84,13 +84,13 @@ void serve(Stage& stage, const Demo::Options& options, const Demo::View& view,
     std::thread feeder([&] {
         feed(stage, options, view, failure);
         done = true;
-        stage.world.mailbox().wake();
+        stage.world.mainQueue().wake();
     });
     while (!done)
-        stage.world.mailbox().serveOne(Clock::now() + std::chrono::seconds(1));
+        stage.world.mainQueue().serveOne(Clock::now() + std::chrono::seconds(1));
     feeder.join();
     stage.scripts.stop();
-    while (stage.world.mailbox().serveOne(Clock::now())) {
+    while (stage.world.mainQueue().serveOne(Clock::now())) {
     }
 }
 

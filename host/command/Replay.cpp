@@ -1,7 +1,7 @@
 #include "host/command/Replay.hpp"
 
-#include "host/kit/MonitorModule.hpp"
 #include "host/kit/ExceptionText.hpp"
+#include "host/kit/MonitorModule.hpp"
 
 namespace vigil {
 

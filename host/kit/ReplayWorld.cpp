@@ -19,6 +19,13 @@ void ReplayWorld::turnTo(Date date) {
     }
 }
 
+void ReplayWorld::Queue::dispatchSync(const Task& task) {
+    const auto times = std::exchange(m_next, std::nullopt);
+    if (times) m_world.m_now = times->begins;
+    task();
+    if (times) m_world.m_now = times->ends;
+}
+
 bool ReplayWorld::Queue::dispatchAsync(Task task) {
     if (m_posted.size() >= kPostedTasks) return false;
     m_posted.push_back(std::move(task));

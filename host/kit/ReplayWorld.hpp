@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "host/kit/RecordedEffects.hpp"
@@ -25,6 +26,12 @@ class ReplayWorld : public HostWorld {
     /// Sets the clock, backwards too, and then runs what has been posted.
     void turnTo(Date date);
 
+    /// The next hand-over to the main thread, which is where a monitor acts, begins and ends at these times:
+    /// as it was when it was recorded. Until then the calling thread counts as another one.
+    void setNextHandOver(Date begins, Date ends) { m_queue.setNext(HandOver{begins, ends}); }
+    /// There may have been none.
+    void forgetHandOver() { m_queue.setNext(std::nullopt); }
+
     /// What would have been spoken, played and automated.
     RecordedEffects& effects() { return m_effects; }
 
@@ -44,15 +51,24 @@ class ReplayWorld : public HostWorld {
     PlugInHost& plugInHost() override { return m_plugInHost; }
 
   private:
+    struct HandOver {
+        Date begins, ends;
+    };
+
     /// Hand-overs run at once; posted tasks when the clock is turned.
     class Queue : public MainQueue {
       public:
-        bool isMainThread() const override { return true; }
-        void dispatchSync(const Task& task) override { task(); }
+        explicit Queue(ReplayWorld& world) : m_world(world) {}
+        void setNext(std::optional<HandOver> next) { m_next = next; }
+
+        bool isMainThread() const override { return !m_next; }
+        void dispatchSync(const Task& task) override;
         bool dispatchAsync(Task task) override;
         bool runOne();
 
       private:
+        ReplayWorld& m_world;
+        std::optional<HandOver> m_next;
         std::deque<Task> m_posted;
     };
 
@@ -71,7 +87,7 @@ class ReplayWorld : public HostWorld {
     const std::string m_scriptsFolder;
     const Zone m_zone;
     Date m_now = Date::distantPast();
-    Queue m_queue;
+    Queue m_queue{*this};
     NotificationCenter m_center{m_queue};
     SystemFiles m_files;
     SystemCollation m_collation;

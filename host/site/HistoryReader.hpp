@@ -22,7 +22,7 @@ class HistorySource {
   public:
     virtual ~HistorySource();
     /// The next one, or nothing at the end. A row that cannot be read is an error with its place, and the
-    /// next call goes on behind it.
+    /// next call goes on behind it; where the file itself fails, that is the end.
     virtual Result<std::optional<StoredNotification>> next() = 0;
 };
 

@@ -56,9 +56,10 @@ StoredSource::StoredSource(std::string path, RecordId station, std::optional<Dat
 
 Result<std::optional<StoredNotification>> StoredSource::next() {
     try {
-        if (m_rows.isDone() || !m_rows.executeStep()) return std::optional<StoredNotification>();
+        if (m_broken || m_rows.isDone() || !m_rows.executeStep()) return std::optional<StoredNotification>();
         return unpack();
     } catch (const SQLite::Exception& what) {
+        m_broken = true;
         return Error{"cannot read the history " + m_path + ": " + what.what()};
     }
 }

@@ -36,6 +36,7 @@ class StoredSource final : public HistorySource {
     SQLite::Statement m_rows;  // their numbers, sorted
     SQLite::Statement m_row;
     SQLite::Statement m_text;
+    bool m_broken = false;
     std::unordered_map<std::int64_t, HistoryLayout> m_layouts;
     std::unordered_map<std::uint64_t, std::string> m_texts;
 };

@@ -1,0 +1,44 @@
+#include "host/command/TimeText.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vigil {
+namespace {
+
+const Date kNow = Date::fromUnix(1795257258);  // 2026-11-21 10:34:18 UTC
+
+std::string read(std::string_view text) {
+    const auto date = timeFromUser(text, kNow);
+    return date ? date.value().isoText() : date.error().message;
+}
+
+TEST(TimeText, ReadsCalendarTimes) {
+    EXPECT_EQ(read("2026-11-20"), "2026-11-20T00:00:00Z");
+    EXPECT_EQ(read("2026-11-20T10:34+01:00"), "2026-11-20T09:34:00Z");
+    EXPECT_EQ(read(" 2026-11-20 10:34 "), "2026-11-20T10:34:00Z");
+    EXPECT_EQ(read("1795257258"), "2026-11-21T10:34:18Z");
+    EXPECT_EQ(read("now"), "2026-11-21T10:34:18Z");
+}
+
+TEST(TimeText, ReadsTimesBeforeNow) {
+    EXPECT_EQ(read("3 days ago"), "2026-11-18T10:34:18Z");
+    EXPECT_EQ(read("1 week ago"), "2026-11-14T10:34:18Z");
+    EXPECT_EQ(read("-3h"), "2026-11-21T07:34:18Z");
+    EXPECT_EQ(read("-90min"), "2026-11-21T09:04:18Z");
+    EXPECT_EQ(read("-90m"), "2026-11-21T09:04:18Z");
+    EXPECT_EQ(read("1.5 hours ago"), "2026-11-21T09:04:18Z");
+    EXPECT_EQ(read("-18s"), "2026-11-21T10:34:00Z");
+}
+
+TEST(TimeText, SaysWhichFormsThereAre) {
+    for (const char* text :
+         {"", "yesterdai", "3 days", "-3", "-3 fortnights", "ago", "--3h", "-h", "3 days  since", "-nanh",
+          "-infh", "20261120", "2026-02-30", "-1e300w", "-99999999w"})
+        EXPECT_EQ(read(text), "\"" + std::string(text) +
+                                  "\" is not a time; expected one as in 2026-11-20, 2026-11-20T10:34, "
+                                  "\"3 days ago\" or -3h");
+}
+
+}  // namespace
+}  // namespace vigil
