@@ -102,6 +102,22 @@ TEST(ConditionLimits, RefuseWhatWouldPrintTooLong) {
     EXPECT_EQ(tooLong.error().length, quoted(most + 1).size());
 }
 
+TEST(ConditionLimits, NumbersThatNoDoubleHoldsAreSortedByDigitsAndExponentTogether) {
+    const std::string zeros = repeated("0", 400);
+    for (const std::string& large :
+         std::vector<std::string>{"1" + zeros, "1" + zeros + "e-10", "1" + zeros + ".5e-91", "0.001e312"}) {
+        const auto refused = read("a.unitValue < " + large);
+        ASSERT_FALSE(refused) << large;
+        EXPECT_EQ(refused.error().problem, SyntaxProblem::NumberTooLarge) << large;
+    }
+    for (const std::string& small : std::vector<std::string>{"0." + zeros + "1", "0." + zeros + "1e10",
+                                                             "0." + zeros + "1e76", "1000e-330"}) {
+        const auto accepted = read("a.unitValue < " + small);
+        ASSERT_TRUE(accepted) << small;
+        EXPECT_EQ(accepted.value()->printed(), "a.unitValue < 0") << small;
+    }
+}
+
 TEST(ConditionLimits, HoldAgainstTextsMadeToExhaust) {
     EXPECT_FALSE(read(std::string(kMaxTextBytes, '(')));
     EXPECT_FALSE(read(std::string(kMaxTextBytes, ')')));

@@ -56,6 +56,23 @@ TEST_F(RuleEditorChange, ARowIsInsertedBeforeItsNeighbourWhereverThatHasGoneMean
     EXPECT_EQ(shown(*m_editor), "C > [] | A") << "one whose neighbour has gone comes last";
 }
 
+TEST_F(RuleEditorChange, YoungerRowsAroundTheNeighbourAreNotTakenForIt) {
+    addRows({0, 1});
+    EXPECT_TRUE(m_editor->insertRowAtIndex(0));
+    EXPECT_TRUE(m_editor->choose({.row = 0, .column = 0}, 2));
+    EXPECT_TRUE(m_editor->insertRowAtIndex(2)) << "before the B, below a row that is younger than it";
+    EXPECT_EQ(shown(*m_editor), "C > [] | A | A | B");
+    m_rules->onAnswer = [](RuleEditor& editor) {
+        editor.insertRowAtIndex(0);
+        editor.choose({.row = 0, .column = 0}, 1);
+    };
+    EXPECT_TRUE(m_editor->insertRowAtIndex(3));
+    EXPECT_EQ(shown(*m_editor), "B | C > [] | A | A | A | B") << "though the B has moved down meanwhile";
+    m_rules->onAnswer = [](RuleEditor& editor) { editor.removeRowAtIndex(5); };
+    EXPECT_TRUE(m_editor->insertRowAtIndex(5));
+    EXPECT_EQ(shown(*m_editor), "B | C > [] | A | A | A | A") << "and last where the B has gone";
+}
+
 TEST_F(RuleEditorChange, AChoiceInARowThatChangedMeanwhileIsDropped) {
     addRows({0, 1});
     m_rules->onAnswer = [](RuleEditor& editor) { editor.choose({.row = 0, .column = 0}, 1); };
