@@ -84,13 +84,13 @@ void serve(Stage& stage, const Demo::Options& options, const Demo::View& view,
     std::thread feeder([&] {
         feed(stage, options, view, failure);
         done = true;
-        stage.world.mainQueue().wake();
+        stage.world.mailbox().wake();
     });
     while (!done)
-        stage.world.mainQueue().serveOne(Clock::now() + std::chrono::seconds(1));
+        stage.world.mailbox().serveOne(Clock::now() + std::chrono::seconds(1));
     feeder.join();
     stage.scripts.stop();
-    while (stage.world.mainQueue().serveOne(Clock::now())) {
+    while (stage.world.mailbox().serveOne(Clock::now())) {
     }
 }
 
