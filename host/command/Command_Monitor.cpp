@@ -7,42 +7,26 @@
 
 #include "host/command/Commands.hpp"
 #include "host/command/ConditionAnswer.hpp"
-#include "host/command/MonitorLines.hpp"
-#include "host/command/OpenMonitor.hpp"
 #include "host/kit/MonitorModule.hpp"
+#include "host/command/MonitorSite.hpp"
+#include "host/command/Refusal.hpp"
+#include "host/command/SiteChoice.hpp"
+#include "host/command/SiteRunner.hpp"
 
 namespace vigil {
 namespace {
 
 struct MonitorOptions {
-    std::string site = MonitorStore::defaultFile();
+    std::string site;
     std::string title;
-    std::string station = "Station";
+    bool titled = false;  ///< whether one was given
+    std::optional<std::string> station;
     std::optional<std::string> newTitle, condition;
     std::optional<double> retrigger;
     std::optional<bool> onChange, active;
     std::vector<std::string> actions;
     bool json = false;
 };
-
-/// What went wrong, and how the program is to end.
-struct Refusal {
-    ExitStatus status;
-    std::string text;
-};
-
-void tell(CommandContext& context, const Refusal& refusal) {
-    context.output.error(refusal.text);
-    context.status = refusal.status;
-}
-
-Refusal badInput(std::string text) {
-    return {ExitStatus::BadInput, std::move(text)};
-}
-
-Refusal environment(const Error& error) {
-    return {ExitStatus::Environment, error.message};
-}
 
 /// Takes over what was said of a monitor. Nothing where all of it was.
 std::optional<Refusal> apply(const MonitorOptions& options, OpenMonitor& monitor, CommandContext& context) {
@@ -63,91 +47,100 @@ std::optional<Refusal> apply(const MonitorOptions& options, OpenMonitor& monitor
     return std::nullopt;
 }
 
-/// A command on a site whose file was read, with the module loaded.
-template <class Run>
-void onSite(const MonitorOptions& options, CommandContext& context, Run run) {
+using Run = std::optional<Refusal> (*)(MonitorSite&, const MonitorOptions&, CommandContext&);
+
+void onSite(const MonitorOptions& options, Access access, CommandContext& context, Run run) {
     if (const auto loaded = loadMonitorModule(context.programFolder); !loaded)
         return tell(context, environment(loaded.error()));
-    auto store = MonitorStore::open(options.site);
-    if (!store) return tell(context, environment(store.error()));
-    if (const std::optional<Refusal> refusal = run(store.value())) tell(context, *refusal);
+    auto site = openSite(options.site, access, context);
+    if (!site) {
+        if (const std::string hint = monitorsFromBefore(options.site); !hint.empty())
+            context.output.error(hint);
+        return;
+    }
+    auto stations = site->stations();
+    if (!stations) return tell(context, environment(stations.error()));
+    MonitorSite monitors(std::move(site), std::move(stations).value(), context);
+    if (const std::optional<Refusal> refusal = run(monitors, options, context)) tell(context, *refusal);
 }
 
-std::string helperOf(const CommandContext& context) {
-    return context.programFolder + "/vigil-helper";
-}
-
-std::optional<Refusal> save(MonitorStore& store, const std::string& title, const OpenMonitor& monitor) {
-    auto stored = monitor.stored();
-    if (!stored) return environment(stored.error());
-    store.put(title, std::move(stored).value());
-    if (const auto saved = store.save(); !saved) return environment(saved.error());
-    return std::nullopt;
-}
-
-Refusal unknown(const MonitorStore& store, const std::string& title) {
-    std::string titles;
-    for (const StoredMonitor& one : store.all())
-        titles += (titles.empty() ? "" : ", ") + one.title;
-    return badInput("no monitor is called \"" + title + "\" in " + store.file() +
-                    (titles.empty() ? "; it has none" : "; there are: " + titles));
-}
-
-std::optional<Refusal> showOne(const StoredMonitor& stored, bool json, CommandContext& context) {
-    const auto monitor = OpenMonitor::open(stored, helperOf(context));
-    if (!monitor) return environment(monitor.error());
-    context.output.write(json ? monitorJson(stored, *monitor.value())
-                              : monitorLines(stored, *monitor.value()));
-    return std::nullopt;
-}
-
-std::optional<Refusal> list(const MonitorStore& store, bool json, CommandContext& context) {
-    for (const StoredMonitor& one : store.all())
-        if (auto refusal = showOne(one, json, context)) return refusal;
-    if (store.all().empty() && !json)
+std::optional<Refusal> list(MonitorSite& monitors, const MonitorOptions& options, CommandContext& context) {
+    const auto all = monitors.site().plugIns();
+    if (!all) return environment(all.error());
+    for (const PlugInRecord& one : all.value())
+        if (auto refusal = monitors.show(monitors.stored(one), options.json)) return refusal;
+    if (all.value().empty() && !options.json)
         context.output.print("No monitor yet in {}; `vigil monitor create --help` shows how to make one.\n",
-                             store.file());
+                             monitors.site().path());
     return std::nullopt;
 }
 
-std::optional<Refusal> create(MonitorStore& store, const MonitorOptions& options, CommandContext& context) {
-    if (options.title.empty()) return badInput("a monitor needs a title");
-    if (store.find(options.title))
-        return badInput("a monitor called \"" + options.title +
+std::optional<Refusal> show(MonitorSite& monitors, const MonitorOptions& options, CommandContext&) {
+    const auto record = monitors.titled(options.title);
+    if (!record) return record.error();
+    return monitors.show(monitors.stored(record.value()), options.json);
+}
+
+std::optional<Refusal> create(MonitorSite& monitors, const MonitorOptions& options, CommandContext& context) {
+    SiteFile& site = monitors.site();
+    const auto title = options.titled ? Result<std::string>(options.title) : monitors.unusedTitle();
+    if (!title) return environment(title.error());
+    if (title.value().empty()) return badInput("a monitor needs a title");
+    if (const auto there = site.plugInTitled(title.value()); there && there.value())
+        return badInput("a monitor called \"" + title.value() +
                         "\" is there already; `vigil monitor edit` changes it");
-    const auto monitor = OpenMonitor::make(options.station, options.title, helperOf(context));
+    const auto station = monitors.station(options.station);
+    if (!station) return station.error();
+    const auto monitor = OpenMonitor::make(station.value().name, title.value(), monitors.helper());
     if (!monitor) return environment(monitor.error());
     if (auto refusal = apply(options, *monitor.value(), context)) return refusal;
-    if (auto refusal = save(store, options.title, *monitor.value())) return refusal;
-    return showOne(*store.find(options.title), options.json, context);
+    auto stored = monitor.value()->stored();
+    if (!stored) return environment(stored.error());
+    const auto added = site.addPlugIn({.station = station.value().id,
+                                       .className = kMonitorClass,
+                                       .title = title.value(),
+                                       .archive = stored.value().archive});
+    if (!added) return environment(added.error());
+    tellRunner(site, context);
+    return monitors.show(stored.value(), options.json);
 }
 
-std::optional<Refusal> edit(MonitorStore& store, const MonitorOptions& options, CommandContext& context) {
-    const StoredMonitor* stored = store.find(options.title);
-    if (!stored) return unknown(store, options.title);
+std::optional<Refusal> edit(MonitorSite& monitors, const MonitorOptions& options, CommandContext& context) {
+    SiteFile& site = monitors.site();
+    auto found = monitors.titled(options.title);
+    if (!found) return found.error();
+    PlugInRecord record = std::move(found).value();
     const std::string title = options.newTitle.value_or(options.title);
-    if (title.empty() || (title != options.title && store.find(title)))
+    const auto other = site.plugInTitled(title);
+    if (title.empty() || (title != options.title && other && other.value()))
         return badInput("the title \"" + title + "\" cannot be used");
-    const auto monitor = OpenMonitor::open(*stored, helperOf(context));
+    const auto monitor = monitors.open(record);
     if (!monitor) return environment(monitor.error());
     monitor.value()->setTitle(title);
     if (auto refusal = apply(options, *monitor.value(), context)) return refusal;
-    if (auto refusal = save(store, options.title, *monitor.value())) return refusal;
-    return showOne(*store.find(title), options.json, context);
+    auto stored = monitor.value()->stored();
+    if (!stored) return environment(stored.error());
+    record.title = title;
+    record.archive = stored.value().archive;
+    if (const auto changed = site.editPlugIn(record); !changed) return environment(changed.error());
+    tellRunner(site, context);
+    return monitors.show(stored.value(), options.json);
 }
 
-std::optional<Refusal> remove(MonitorStore& store, const MonitorOptions& options, CommandContext& context) {
-    if (!store.remove(options.title)) return unknown(store, options.title);
-    if (const auto saved = store.save(); !saved) return environment(saved.error());
-    context.output.print("Removed \"{}\" from {}.\n", options.title, store.file());
+std::optional<Refusal> remove(MonitorSite& monitors, const MonitorOptions& options, CommandContext& context) {
+    const auto record = monitors.titled(options.title);
+    if (!record) return record.error();
+    if (const auto removed = monitors.site().removePlugIn(record.value().id); !removed)
+        return environment(removed.error());
+    context.output.print("Removed \"{}\" from {}.\n", options.title, monitors.site().path());
+    tellRunner(monitors.site(), context);
     return std::nullopt;
 }
 
-std::optional<Refusal> test(const MonitorStore& store, const MonitorOptions& options,
-                            CommandContext& context) {
-    const StoredMonitor* stored = store.find(options.title);
-    if (!stored) return unknown(store, options.title);
-    const auto monitor = OpenMonitor::open(*stored, helperOf(context));
+std::optional<Refusal> test(MonitorSite& monitors, const MonitorOptions& options, CommandContext& context) {
+    const auto record = monitors.titled(options.title);
+    if (!record) return record.error();
+    const auto monitor = monitors.open(record.value());
     if (!monitor) return environment(monitor.error());
     monitor.value()->perform("testSound:");
     context.output.print("Tested \"{}\": rows that play or speak were run, scripts and messages were not.\n",
@@ -165,8 +158,10 @@ void addSettings(CLI::App& command, MonitorOptions& options) {
         .add_option("--on-change", options.onChange,
                     "true: judge only readings that are newer and have changed")
         ->type_name("BOOL");
-    command.add_option("--active", options.active, "true: the monitor judges; false: it rests")
-        ->type_name("BOOL");
+    command.add_option("--active", options.active, "The monitor judges; false: it rests")
+        ->type_name("BOOL")
+        ->expected(0, 1)
+        ->default_str("true");
     command.add_option("--action", options.actions, "A row, as NAME=VALUE; again for each row")
         ->type_name("ROW")
         ->take_all()
@@ -181,18 +176,16 @@ void addMonitorCommand(CLI::App& app, CommandContext& context) {
     monitor->require_subcommand(1);
     monitor->footer(
         "Examples:\n"
-        "  vigil monitor create Frost --condition 'outsideTemp.unitValue < 0' --action 'Run script=notify.sh "
+        "  vigil monitor create Frost --station Home --active --condition 'outsideTemp.unitValue < 0' "
+        "--action 'Run script=notify.sh "
         "frost'\n"
         "  vigil monitor edit Frost --retrigger 60 --action 'Speak Text=Frost' --action 'Play "
         "Sound=bell.wav'\n"
         "  vigil monitor list --json");
-    const auto add = [&](const char* name, const char* purpose, auto run) {
+    const auto add = [&](const char* name, const char* purpose, Access access, Run run) {
         auto* command = monitor->add_subcommand(name, purpose);
-        command->add_option("--site", options->site, "The file of the monitors (" + options->site + ")")
-            ->type_name("FILE");
-        command->callback([options, run, &context] {
-            onSite(*options, context, [&](MonitorStore& store) { return run(store, *options, context); });
-        });
+        addSiteOption(*command, options->site);
+        command->callback([options, access, run, &context] { onSite(*options, access, context, run); });
         return command;
     };
     const auto titled = [&](CLI::App* command) {
@@ -203,21 +196,27 @@ void addMonitorCommand(CLI::App& app, CommandContext& context) {
         command->add_flag("--json", options->json, "One JSON object a monitor");
         return command;
     };
-    json(add("list", "All monitors of a site",
-             [](auto& store, auto& o, auto& c) { return list(store, o.json, c); }));
-    json(titled(add("show", "One monitor", [](auto& store, auto& o, auto& c) {
-        const StoredMonitor* stored = store.find(o.title);
-        return stored ? showOne(*stored, o.json, c) : unknown(store, o.title);
-    })));
-    auto* creating = json(titled(add("create", "A new monitor", create)));
-    creating->add_option("--station", options->station, "The station that it watches (Station)")
+    json(add("list", "All monitors of a site", Access::Read, list));
+    json(titled(add("show", "One monitor", Access::Read, show)));
+    auto* creating = json(add("create", "A new monitor", Access::Edit, create));
+    creating->add_option_function<std::string>(
+        "TITLE",
+        [options](const std::string& title) {
+            options->title = title;
+            options->titled = true;
+        },
+        "Its title (Vigil, Vigil 2, ...)");
+    creating
+        ->add_option("--station", options->station,
+                     "The station that it watches; not needed where there is one")
         ->type_name("NAME");
     addSettings(*creating, *options);
-    auto* editing = json(titled(add("edit", "Change a monitor; what is not named stays", edit)));
+    auto* editing =
+        json(titled(add("edit", "Change a monitor; what is not named stays", Access::Edit, edit)));
     editing->add_option("--title", options->newTitle, "A new title")->type_name("TITLE");
     addSettings(*editing, *options);
-    titled(add("remove", "Remove a monitor", remove));
-    titled(add("test", "Play and speak what a monitor would", test));
+    titled(add("remove", "Remove a monitor", Access::Edit, remove));
+    titled(add("test", "Play and speak what a monitor would", Access::Read, test));
 }
 
 }  // namespace vigil

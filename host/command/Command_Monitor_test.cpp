@@ -1,14 +1,18 @@
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "host/command/CommandLine.hpp"
 #include "host/command/Commands.hpp"
+#include "host/site/SiteCopy.hpp"
+#include "host/site/SiteFile.hpp"
 
 namespace vigil {
 namespace {
@@ -32,13 +36,24 @@ struct Outcome {
 
 class MonitorCommand : public testing::Test {
   protected:
-    MonitorCommand() { fs::create_directories(m_folder); }
+    MonitorCommand() {
+        fs::create_directories(m_folder);
+        EXPECT_TRUE(SiteFile::create(site()));
+        for (const char* name : {"Roof", "Pond"})
+            EXPECT_TRUE(SiteFile::open(site(), Access::Write).value()->addStation({.name = name}));
+    }
     ~MonitorCommand() override { fs::remove_all(m_folder); }
 
     /// `vigil monitor …` on a site of the test's own.
     Outcome run(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), "monitor");
         arguments.insert(arguments.end(), {"--site", site()});
+        const bool creates = arguments[1] == "create";
+        const bool named = std::find(arguments.begin(), arguments.end(), "--station") != arguments.end();
+        if (creates && !named) arguments.insert(arguments.end(), {"--station", "Pond"});
+        return runWords(arguments);
+    }
+    static Outcome runWords(const std::vector<std::string>& arguments) {
         std::FILE* results = std::tmpfile();
         std::FILE* errors = std::tmpfile();
         Output output(results, errors);
@@ -46,12 +61,15 @@ class MonitorCommand : public testing::Test {
         output.flush();
         return {status, takeText(results), takeText(errors)};
     }
-    std::string site() const { return (m_folder / "monitors.json").string(); }
+    std::string site() const { return (m_folder / "home.vigilsite").string(); }
+    /// All that it holds.
     std::string contents() const {
-        std::ifstream file(site(), std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
+        std::string lines;
+        EXPECT_TRUE(exportSiteLines(site(), [&](std::string_view line) {
+            lines += line;
+            return true;
+        }));
+        return lines;
     }
 
     fs::path m_folder =
@@ -81,7 +99,7 @@ TEST_F(MonitorCommand, createsAMonitorThroughItsEditorsAndShowsIt) {
 
 TEST_F(MonitorCommand, aNewMonitorIsTheDefaultOne) {
     EXPECT_EQ(run({"create", "Plain"}).results,
-              "Plain (not active, station Station)\n"
+              "Plain (not active, station Pond)\n"
               "  condition  windChill.unitValue < 10 OR windSpeed.unitValue > 25\n"
               "  waits      1 minutes after a fire\n"
               "  action 1   Run script: \n");
@@ -92,7 +110,7 @@ TEST_F(MonitorCommand, editsWhatIsNamedAndNothingElse) {
          "Speak Text=two"});
     run({"edit", "Frost", "--retrigger", "5", "--on-change", "true"});
     EXPECT_EQ(run({"show", "Frost"}).results,
-              "Frost (not active, station Station)\n"
+              "Frost (not active, station Pond)\n"
               "  condition  t.unitValue < 0\n"
               "  waits      5 minutes after a fire\n"
               "  judges     only readings that are newer and have changed\n"
@@ -100,7 +118,7 @@ TEST_F(MonitorCommand, editsWhatIsNamedAndNothingElse) {
               "  action 2   Speak Text: two\n");
     run({"edit", "Frost", "--title", "Ice", "--action", "Play Sound=drop.wav"});
     EXPECT_EQ(run({"list", "--json"}).results,
-              R"({"title":"Ice","station":"Station","active":false,"condition":"t.unitValue < 0",)"
+              R"({"title":"Ice","station":"Pond","active":false,"condition":"t.unitValue < 0",)"
               R"("retriggerMinutes":5,"onlyOnChange":true,"actions":["Play Sound: drop.wav"]})"
               "\n");
 }
@@ -138,21 +156,81 @@ TEST_F(MonitorCommand, testsRowsThatPlayOrSpeakAndRunsNoScript) {
               "Tested \"A\": rows that play or speak were run, scripts and messages were not.\n");
 }
 
-TEST_F(MonitorCommand, aFileThatItDoesNotUnderstandIsNamedAndLeftAlone) {
-    for (const char* text : {"nope", "{}", R"({"format":"vigil-monitors","version":2,"monitors":[]})",
-                             R"({"format":"vigil-monitors","version":1})",
-                             R"({"format":"vigil-monitors","version":1,"monitors":[{"title":"A"}]})"}) {
-        std::ofstream(site(), std::ios::binary) << text;
-        const Outcome outcome = run({"create", "B"});
-        EXPECT_EQ(outcome.status, ExitStatus::Environment) << text;
-        EXPECT_TRUE(outcome.errors.starts_with("vigil: " + site() + ": ")) << outcome.errors;
-        EXPECT_EQ(contents(), text);
+TEST_F(MonitorCommand, watchesAStationOfTheSite) {
+    const std::string before = contents();
+    const Outcome unknown = run({"create", "A", "--station", "Sea"});
+    EXPECT_EQ(unknown.status, ExitStatus::BadInput);
+    EXPECT_EQ(unknown.errors,
+              "vigil: no station is called \"Sea\" in " + site() + "; there are: Roof, Pond\n");
+    const Outcome unnamed = runWords({"monitor", "create", "A", "--site", site()});
+    EXPECT_EQ(unnamed.status, ExitStatus::BadInput);
+    EXPECT_EQ(unnamed.errors, "vigil: --station has to say which station; there are: Roof, Pond\n");
+    EXPECT_EQ(contents(), before);
+    {
+        const auto open = SiteFile::open(site(), Access::Write);
+        ASSERT_TRUE(open.value()->removeStation(open.value()->stationNamed("Roof").value()->id));
     }
+    EXPECT_TRUE(runWords({"monitor", "create", "A", "--site", site()})
+                    .results.starts_with("A (not active, station Pond)"));
+    {
+        const auto open = SiteFile::open(site(), Access::Write);
+        ASSERT_TRUE(open.value()->removeStation(open.value()->stationNamed("Pond").value()->id));
+    }
+    EXPECT_EQ(
+        runWords({"monitor", "create", "B", "--site", site()}).errors,
+        "vigil: " + site() + " has no station yet; `vigil station create --help` shows how to make one\n");
+}
+
+TEST_F(MonitorCommand, needsNoTitleAndIsActiveAtAWord) {
+    EXPECT_TRUE(run({"create", "--active"}).results.starts_with("Vigil (active, station Pond)"));
+    EXPECT_TRUE(run({"create", "--active", "--retrigger", "15"}).results.starts_with("Vigil 2 (active,"));
+    EXPECT_TRUE(run({"create", "--active", "false"}).results.starts_with("Vigil 3 (not active,"));
+    EXPECT_TRUE(run({"edit", "Vigil", "--active=false"}).results.starts_with("Vigil (not active,"));
+    EXPECT_EQ(run({"create", ""}).errors, "vigil: a monitor needs a title\n");
+}
+
+TEST_F(MonitorCommand, changesASiteThatIsRunAndSaysWhoHasToHearOfIt) {
+    run({"create", "A", "--condition", "t.unitValue < 0"});
+    const auto running = SiteFile::open(site(), Access::Write);
+    const Outcome outcome = run({"edit", "A", "--active"});
+    EXPECT_EQ(outcome.status, ExitStatus::Yes);
+    const std::string id = std::to_string(getpid());
+    EXPECT_EQ(outcome.errors, "vigil: process " + id +
+                                  " runs this site and takes the change over at `kill -HUP " + id + "`\n");
+    EXPECT_EQ(running.value()->plugInTitled("A").value()->edition, 1);
+}
+
+TEST_F(MonitorCommand, aSiteThatIsMissingIsNamedWithWhatMakesOne) {
+    const std::string missing = (m_folder / "none.vigilsite").string();
+    const Outcome outcome = runWords({"monitor", "list", "--site", missing});
+    EXPECT_EQ(outcome.status, ExitStatus::BadInput);
+    EXPECT_EQ(outcome.errors,
+              "vigil: " + missing + ": there is no such site; `vigil site create` makes one\n");
+}
+
+TEST_F(MonitorCommand, monitorsOfBeforeAreToldOfWhereTheSiteIsTheUsersOwn) {
+    setenv("XDG_DATA_HOME", m_folder.c_str(), 1);
+    fs::create_directories(m_folder / "vigil");
+    const std::string before = (m_folder / "vigil/monitors.json").string();
+    std::ofstream(before)
+        << R"({"format":"vigil-monitors","version":1,"monitors":[{"title":"A","station":"S","archive":{"format":"vigil-archive","version":1,"root":{"$class":"Nobody","$id":1}}}]})";
+    const std::string hint = "vigil: monitors of an earlier version stand in " + before +
+                             "; `vigil site import " + before + "` takes them over\n";
+    EXPECT_TRUE(runWords({"monitor", "list"}).errors.ends_with(hint));
+    EXPECT_EQ(runWords({"site", "create"}).errors, hint);
+    EXPECT_EQ(runWords({"site", "import", before}).status, ExitStatus::Yes);
+    EXPECT_EQ(runWords({"monitor", "list"}).errors.substr(0, 20), "vigil: the monitor \"");
+    unsetenv("XDG_DATA_HOME");
 }
 
 TEST_F(MonitorCommand, aDamagedArchiveIsNamedWithItsPlace) {
-    std::ofstream(site(), std::ios::binary)
-        << R"({"format":"vigil-monitors","version":1,"monitors":[{"title":"A","station":"S","archive":{"format":"vigil-archive","version":1,"root":{"$class":"Nobody","$id":1}}}]})";
+    {
+        const auto open = SiteFile::open(site(), Access::Write);
+        ASSERT_TRUE(open.value()->addPlugIn(
+            {.station = open.value()->stationNamed("Roof").value()->id,
+             .title = "A",
+             .archive = R"({"format":"vigil-archive","version":1,"root":{"$class":"Nobody","$id":1}})"}));
+    }
     const Outcome outcome = run({"show", "A"});
     EXPECT_EQ(outcome.status, ExitStatus::Environment);
     EXPECT_TRUE(outcome.errors.starts_with("vigil: the monitor \"A\": root")) << outcome.errors;

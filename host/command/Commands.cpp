@@ -4,9 +4,9 @@ namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
     static const std::vector<AddCommand> commands = {
-        addDemoCommand,    addHistoryCommand, addReplayCommand, addCheckCommand,
-        addEvalCommand,    addExplainCommand, addRunCommand,    addStatusCommand,
-        addActionsCommand, addMonitorCommand, addDoctorCommand, addPluginCommand,
+        addDemoCommand,    addRunCommand,     addStatusCommand,  addSiteCommand,   addStationCommand,
+        addMonitorCommand, addActionsCommand, addHistoryCommand, addReplayCommand, addCheckCommand,
+        addEvalCommand,    addExplainCommand, addDoctorCommand,  addPluginCommand,
     };
     return commands;
 }

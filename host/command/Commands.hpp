@@ -31,6 +31,8 @@ void addMonitorCommand(CLI::App& app, CommandContext& context);
 void addPluginCommand(CLI::App& app, CommandContext& context);
 void addExplainCommand(CLI::App& app, CommandContext& context);
 void addHistoryCommand(CLI::App& app, CommandContext& context);
+void addSiteCommand(CLI::App& app, CommandContext& context);
+void addStationCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
 void addRunCommand(CLI::App& app, CommandContext& context);
 void addStatusCommand(CLI::App& app, CommandContext& context);

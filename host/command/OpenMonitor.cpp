@@ -8,8 +8,6 @@
 namespace vigil {
 namespace {
 
-constexpr const char* kMonitorClass = "QRVVigilPlugIn";
-
 template <class T>
 std::shared_ptr<T> firstOf(const std::vector<std::shared_ptr<Object>>& objects) {
     for (const auto& object : objects)

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "conditions/editor/PredicateEditor.hpp"
-#include "host/command/MonitorStore.hpp"
 #include "host/kit/InterfaceFile.hpp"
 #include "host/kit/LiveScripts.hpp"
 #include "host/kit/LiveWorld.hpp"
@@ -15,6 +14,16 @@
 #include "platform/RuleEditor.hpp"
 
 namespace vigil {
+
+/// A monitor as a site keeps it.
+struct StoredMonitor {
+    std::string title{};
+    std::string station{};  ///< its name
+    std::string archive{};
+};
+
+/// The class that the monitor's module makes.
+inline constexpr const char* kMonitorClass = "QRVVigilPlugIn";
 
 /// A monitor with its view's models, as a window would have them, but without pixels: what is set here goes
 /// through the same editors. Needs the module. Main thread.

@@ -3,6 +3,14 @@
 #include <unistd.h>
 
 namespace vigil {
+namespace {
+
+bool goesToTerminal(std::FILE* stream) {
+    const int descriptor = fileno(stream);
+    return descriptor >= 0 && isatty(descriptor) == 1;
+}
+
+}  // namespace
 
 void Output::write(std::string_view text) {
     if (std::fwrite(text.data(), 1, text.size(), m_results) != text.size()) m_failed = true;
@@ -24,8 +32,11 @@ bool Output::flush() {
 }
 
 bool Output::isTerminal() const {
-    const int descriptor = fileno(m_results);
-    return descriptor >= 0 && isatty(descriptor) == 1;
+    return goesToTerminal(m_results);
+}
+
+bool Output::errorsGoToTerminal() const {
+    return goesToTerminal(m_errors);
 }
 
 }  // namespace vigil

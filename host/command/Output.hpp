@@ -35,6 +35,7 @@ class Output {
 
     /// Whether results go to a terminal.
     bool isTerminal() const;
+    bool errorsGoToTerminal() const;
 
   private:
     std::FILE* m_results;
