@@ -4,8 +4,9 @@ namespace vigil {
 
 const std::vector<AddCommand>& allCommands() {
     static const std::vector<AddCommand> commands = {
-        addDemoCommand,    addRunCommand,     addStatusCommand,  addSiteCommand,   addStationCommand,
-        addMonitorCommand, addActionsCommand, addHistoryCommand, addReplayCommand, addCheckCommand,
+        addDemoCommand,    addRunCommand,     addStatusCommand,  addSiteCommand,
+        addStationCommand, addMonitorCommand, addActionsCommand, addHistoryCommand,
+        addWhyCommand,     addPlotCommand,    addReplayCommand,  addCheckCommand,
         addEvalCommand,    addExplainCommand, addDoctorCommand,  addPluginCommand,
     };
     return commands;

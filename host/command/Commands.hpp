@@ -27,15 +27,17 @@ void addCheckCommand(CLI::App& app, CommandContext& context);
 void addDemoCommand(CLI::App& app, CommandContext& context);
 void addDoctorCommand(CLI::App& app, CommandContext& context);
 void addEvalCommand(CLI::App& app, CommandContext& context);
-void addMonitorCommand(CLI::App& app, CommandContext& context);
-void addPluginCommand(CLI::App& app, CommandContext& context);
 void addExplainCommand(CLI::App& app, CommandContext& context);
 void addHistoryCommand(CLI::App& app, CommandContext& context);
-void addSiteCommand(CLI::App& app, CommandContext& context);
-void addStationCommand(CLI::App& app, CommandContext& context);
+void addMonitorCommand(CLI::App& app, CommandContext& context);
+void addPlotCommand(CLI::App& app, CommandContext& context);
+void addPluginCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
 void addRunCommand(CLI::App& app, CommandContext& context);
+void addSiteCommand(CLI::App& app, CommandContext& context);
+void addStationCommand(CLI::App& app, CommandContext& context);
 void addStatusCommand(CLI::App& app, CommandContext& context);
+void addWhyCommand(CLI::App& app, CommandContext& context);
 
 /// Every sub-command, in the order in which `--help` lists them.
 const std::vector<AddCommand>& allCommands();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/command/WhyAnswer.hpp"
 #include "host/kit/ExceptionText.hpp"
 #include "host/kit/MonitorModule.hpp"
 #include "platform/InterfaceOwner.hpp"
@@ -88,6 +89,12 @@ Result<Done> MonitorReplay::make(const std::string& archive) {
     if (const auto obstacle = m_monitor->start())
         return Error{"\"" + m_record.title + "\" does not start: " + obstacle->description()};
     return Done{};
+}
+
+std::shared_ptr<ConditionPredicate> MonitorReplay::conditionIn(const std::string& archive) {
+    const World::Scope scope(m_world);
+    const auto monitor = monitorFromArchive(archive, m_station);
+    return monitor ? conditionOf(*monitor.value()) : nullptr;
 }
 
 // Whether it watched is told by what was recorded, not by the switch that the archive holds.

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "conditions/ConditionPredicate.hpp"
 #include "host/command/CycleNote.hpp"
 #include "host/kit/RecordedScripts.hpp"
 #include "host/kit/ReplayWorld.hpp"
@@ -46,12 +47,13 @@ class MonitorReplay {
     /// where there is no archive, or where the module fails. Once.
     Result<Done> run(const HistoryRange& range, const Told& told);
 
+    /// The condition of an archive; nothing where it has none or is no monitor. Before or after `run`.
+    std::shared_ptr<ConditionPredicate> conditionIn(const std::string& archive);
     /// The monitor as it stands; absent until it has been made.
     const std::shared_ptr<QRVPlugIn>& monitor() const { return m_monitor; }
     const std::vector<StoredFire>& fires() const { return m_fires; }
     const std::vector<StoredWatch>& watches() const { return m_watches; }
     std::size_t unreadable() const { return m_unreadable; }
-    HostWorld& world() { return m_world; }
 
   private:
     Result<Done> load(const HistoryRange& range);
