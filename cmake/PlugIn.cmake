@@ -7,6 +7,7 @@
 #       [RESOURCES file...]               copied into the bundle's Resources/
 #       [EXPORTS symbol...]               further C symbols beside the entry; nothing else is visible
 #       [LIBRARIES target...]             VigilKit::vigilkit unless given
+#       [COMPONENT name]                  of the installation; plugins unless given
 #       [NO_INSTALL])
 #
 # The bundle is ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/vigil/NAME and installs into ${CMAKE_INSTALL_LIBDIR}/vigil.
@@ -68,7 +69,7 @@ function(vigil_write_info file identifier version bundle_version)
 endfunction()
 
 function(vigil_add_plugin target)
-    cmake_parse_arguments(arg "NO_INSTALL" "NAME;IDENTIFIER;VERSION;BUNDLE_VERSION"
+    cmake_parse_arguments(arg "NO_INSTALL" "NAME;IDENTIFIER;VERSION;BUNDLE_VERSION;COMPONENT"
                           "CLASSES;RESOURCES;EXPORTS;LIBRARIES" ${ARGN})
     foreach(needed IDENTIFIER VERSION BUNDLE_VERSION CLASSES UNPARSED_ARGUMENTS)
         if(NOT DEFINED arg_${needed})
@@ -77,6 +78,9 @@ function(vigil_add_plugin target)
     endforeach()
     if(NOT arg_NAME)
         set(arg_NAME ${target})
+    endif()
+    if(NOT arg_COMPONENT)
+        set(arg_COMPONENT ${arg_COMPONENT})
     endif()
     if(NOT arg_LIBRARIES)
         set(arg_LIBRARIES VigilKit::vigilkit)
@@ -120,8 +124,8 @@ function(vigil_add_plugin target)
 
     if(NOT arg_NO_INSTALL)
         set(place "${CMAKE_INSTALL_LIBDIR}/vigil/${arg_NAME}")
-        install(TARGETS ${target} LIBRARY DESTINATION "${place}" COMPONENT plugins)
-        install(FILES "${bundle}/Info.json" DESTINATION "${place}" COMPONENT plugins)
-        install(FILES ${originals} DESTINATION "${place}/Resources" COMPONENT plugins)
+        install(TARGETS ${target} LIBRARY DESTINATION "${place}" COMPONENT ${arg_COMPONENT})
+        install(FILES "${bundle}/Info.json" DESTINATION "${place}" COMPONENT ${arg_COMPONENT})
+        install(FILES ${originals} DESTINATION "${place}/Resources" COMPONENT ${arg_COMPONENT})
     endif()
 endfunction()

@@ -20,6 +20,7 @@ const char* const kFooter =
 
 void describe(CLI::App& app) {
     app.name("vigil");
+    app.description(kPurpose);
     app.footer(kFooter);
     app.set_help_flag("-h,--help", "Print this help and end");
     app.set_version_flag("--version", std::string("vigil ") + versionText(), "Print the version and end");
@@ -50,14 +51,18 @@ const char* versionText() {
     return VIGIL_VERSION;
 }
 
+void describeCommands(CLI::App& app, const std::vector<AddCommand>& commands, CommandContext& context) {
+    describe(app);
+    for (const AddCommand add : commands)
+        add(app, context);
+}
+
 ExitStatus runCommandLine(const std::vector<std::string>& arguments, const std::vector<AddCommand>& commands,
                           Output& output, const std::string& programFolder) {
-    CLI::App app(kPurpose);
+    CLI::App app;
     CommandContext context{output, programFolder};
     try {
-        describe(app);
-        for (const AddCommand add : commands)
-            add(app, context);
+        describeCommands(app, commands, context);
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         if (app.get_subcommands().empty()) context.status = withoutCommand(app, output);

@@ -9,9 +9,12 @@
 #include "host/command/Demo.hpp"
 #include "host/command/DemoScripts.hpp"
 #include "host/kit/MonitorModule.hpp"
+#include "host/services/ScriptRunner.hpp"
 
 namespace vigil {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr const char* kCondition = "windChill.unitValue < 10 OR windSpeed.unitValue > 25";
 constexpr double kRetriggerMinutes = 30;
@@ -24,11 +27,22 @@ struct DemoOptions {
 
 /// How people would call this program from where they are.
 std::string calledAs(const std::string& programFolder) {
-    namespace fs = std::filesystem;
+    const char* path = std::getenv("PATH");
+    const std::string folders = ":" + std::string(path ? path : "") + ":";
+    if (folders.find(":" + programFolder + ":") != std::string::npos) return "vigil";
     std::error_code failed;
     const std::string relative = fs::relative(programFolder, fs::current_path(failed), failed).string();
     const bool isNear = !failed && !relative.empty() && !relative.starts_with("..");
     return (isNear ? relative : programFolder) + "/vigil";
+}
+
+/// Records to replay: those of the source tree where people are in it, else the installed ones.
+std::string exampleFile(const std::string& programFolder) {
+    const std::string near = "examples/frost-night.csv";
+    const fs::path installed = fs::path(programFolder) / "../share/doc/vigil" / near;
+    std::error_code failed;
+    if (fs::exists(near, failed) || !fs::exists(installed, failed)) return near;
+    return installed.lexically_normal().string();
 }
 
 void introduce(Output& output) {
@@ -49,10 +63,10 @@ void conclude(const Demo::Counts& counts, CommandContext& context) {
         counts.scripts, counts.scripts == 1 ? "" : "s", counts.scriptsFailed, counts.status);
     context.output.print(
         "Try next:\n"
-        "  {0} replay examples/frost-night.csv --condition 'outsideTemp.unitValue < 0' --retrigger 60\n"
+        "  {0} replay {1} --condition 'outsideTemp.unitValue < 0' --retrigger 60\n"
         "  {0} check 'windGust.unitValue > 60 AND (rainRate.unitValue > 0 OR outsideTemp < 3)'\n"
         "  {0} --help\n",
-        calledAs(context.programFolder));
+        calledAs(context.programFolder), exampleFile(context.programFolder));
 }
 
 void fail(CommandContext& context, const Error& error) {
@@ -78,7 +92,7 @@ void demo(const DemoOptions& options, CommandContext& context) {
     run.monitor.condition = kCondition;
     run.monitor.retriggerMinutes = kRetriggerMinutes;
     run.monitor.scripts = {DemoScripts::kName};
-    run.helper = context.programFolder + "/vigil-helper";
+    run.helper = helperPath(context.programFolder);
     run.scriptsFolder = scripts.folder();
     run.seed = options.seed;
     run.notifications = static_cast<std::size_t>(options.seconds * kNotificationsASecond) + 1;

@@ -4,6 +4,7 @@
 
 #include "host/command/Doctor_Probes.hpp"
 #include "host/kit/MonitorModule.hpp"
+#include "host/services/ScriptRunner.hpp"
 
 // What belongs to Vigil's own installation, and the shell that scripts are run with.
 
@@ -32,7 +33,7 @@ Diagnosis moduleProbe(const DoctorSurroundings& here) {
 
 Diagnosis helperProbe(const DoctorSurroundings& here) {
     if (here.programFolder.empty()) return withoutFolder();
-    const std::string path = here.programFolder + "/vigil-helper";
+    const std::string path = helperPath(here.programFolder);
     if (isProgram(path)) return Diagnosis::well(path);
     return Diagnosis::finding("there is no program " + path + ", so no script can run", kInstallAgain);
 }

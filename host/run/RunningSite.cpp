@@ -29,7 +29,7 @@ RunningSite::RunningSite(SiteFile& site, QRVLog& log, Options options)
       m_writer(site, {.now = systemNow}),
       m_world(log, m_interfaceFiles,
               m_options.scriptsFolder.empty() ? defaultScriptsFolder() : m_options.scriptsFolder, m_writer),
-      m_scripts(m_world.effects(), {.helper = m_options.programFolder + "/vigil-helper", .clock = systemNow},
+      m_scripts(m_world.effects(), {.helper = helperPath(m_options.programFolder), .clock = systemNow},
                 [this](const std::string& source) { return m_world.notedFiles().nameOf(source); }),
       m_pool(m_options.threads),
       m_feeds({.clock = systemNow, .folder = folderOf(site.path()), .secret = m_options.secret}),

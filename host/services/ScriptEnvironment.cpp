@@ -100,12 +100,19 @@ Entries inheritedEnvironment() {
     return entries;
 }
 
+std::string helperPath(const std::string& programFolder) {
+    const std::string beside = programFolder + "/vigil-helper";
+    const std::string installed = programFolder + "/../libexec/vigil/vigil-helper";
+    const bool isInstalled = ::access(beside.c_str(), X_OK) != 0 && ::access(installed.c_str(), X_OK) == 0;
+    return isInstalled ? installed : beside;
+}
+
 std::string helperPath() {
     char path[4096];
     const ssize_t size = ::readlink("/proc/self/exe", path, sizeof path);
     if (size <= 0 || size == sizeof path) return {};
     const std::string_view own(path, static_cast<std::size_t>(size));
-    return std::string(own.substr(0, own.rfind('/') + 1)) + "vigil-helper";
+    return helperPath(std::string(own.substr(0, own.rfind('/'))));
 }
 
 }  // namespace vigil

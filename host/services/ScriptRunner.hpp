@@ -77,7 +77,10 @@ class ScriptRunner {
     std::unique_ptr<State> m_state;
 };
 
-/// The path of `vigil-helper`: beside the running executable. Empty when Linux does not say where that is.
+/// The path of `vigil-helper` for a program in that folder (without a final "/"): beside the program, where a
+/// build puts it, or else where an installation does, in ../libexec/vigil. Where it is in neither, the first.
+std::string helperPath(const std::string& programFolder);
+/// The same for the running executable. Empty when Linux does not say where that is.
 std::string helperPath();
 
 /// What every script inherits of the host's environment: PATH, HOME, LANG, LC_*, the user's names, TZ, and

@@ -7,6 +7,7 @@
 
 #include "host/services/ScriptEnvironment.hpp"
 #include "host/services/testing/ScriptBench.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 namespace vigil {
 namespace {
@@ -189,6 +190,22 @@ TEST_F(ScriptRuns, ALongScriptArrivesWhole) {
 
 TEST(HelperPath, LiesBesideTheRunningExecutable) {
     EXPECT_EQ(helperPath(), VIGIL_BINARY_DIR "/tests/vigil-helper");
+}
+
+TEST(HelperPath, LiesBesideTheProgramOrWhereAnInstallationPutsIt) {
+    const TemporaryFolder prefix;
+    const std::string bin = prefix.path() + "/bin";
+    EXPECT_EQ(helperPath(bin), bin + "/vigil-helper") << "where it is missing, the first place is named";
+    std::filesystem::create_directories(prefix.path() + "/libexec/vigil");
+    std::filesystem::create_directories(bin);
+    prefix.write("libexec/vigil/vigil-helper", "");
+    const auto executable = std::filesystem::perms::owner_all;
+    EXPECT_EQ(helperPath(bin), bin + "/vigil-helper") << "what cannot be run is no helper";
+    std::filesystem::permissions(prefix.path() + "/libexec/vigil/vigil-helper", executable);
+    EXPECT_EQ(helperPath(bin), bin + "/../libexec/vigil/vigil-helper");
+    prefix.write("bin/vigil-helper", "");
+    std::filesystem::permissions(bin + "/vigil-helper", executable);
+    EXPECT_EQ(helperPath(bin), bin + "/vigil-helper");
 }
 
 }  // namespace

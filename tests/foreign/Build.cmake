@@ -9,7 +9,9 @@ function(run)
 endfunction()
 
 file(REMOVE_RECURSE "${WORK}")
-run(${CMAKE_COMMAND} --install "${KIT_BUILD}" --prefix "${WORK}/kit" --component kit)
+foreach(component kit dev)
+    run(${CMAKE_COMMAND} --install "${KIT_BUILD}" --prefix "${WORK}/kit" --component ${component})
+endforeach()
 run(${CMAKE_COMMAND} -S "${EXAMPLE}" -B "${WORK}/build" -G Ninja "-DCMAKE_PREFIX_PATH=${WORK}/kit"
     "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_FLAGS=${FLAGS}" -DCMAKE_BUILD_TYPE=Debug)
 run(${CMAKE_COMMAND} --build "${WORK}/build")

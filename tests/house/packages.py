@@ -10,7 +10,7 @@ ALWAYS_THERE = {"Threads"}
 OUR_OWN = {"VigilKit"}
 LOOKS_FOR = re.compile(r"^\s*(?:find_package|pkg_check_modules|pkg_search_module)\s*\(([^)]*)\)", re.MULTILINE)
 WORDS_OF_CMAKE = {"REQUIRED", "QUIET", "COMPONENTS", "CONFIG", "IMPORTED_TARGET", "GLOBAL"}
-STAGES = {"run", "test", "long", "lint", "bench"}
+STAGES = {"run", "test", "long", "lint", "bench", "package"}
 
 
 def table():
