@@ -32,14 +32,13 @@ std::string maskedAddress(const std::string& word) {
 std::vector<std::string> maskedWords(const std::vector<std::string>& words) {
     std::vector<std::string> masked;
     bool hide = false;
-    for (const std::string& word : words) {
+    for (const std::string& given : words) {
+        const std::string word = hide ? std::string(kMask) : maskedAddress(given);
         const auto equals = word.find('=');
-        if (hide)
-            masked.emplace_back(kMask);
-        else if (equals != std::string::npos && namesASecret(word.substr(0, equals)))
+        if (equals != std::string::npos && namesASecret(word.substr(0, equals)))
             masked.push_back(word.substr(0, equals + 1) + std::string(kMask));
         else
-            masked.push_back(maskedAddress(word));
+            masked.push_back(word);
         hide = !hide && equals == std::string::npos && namesASecret(word);
     }
     return masked;

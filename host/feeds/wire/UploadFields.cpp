@@ -129,6 +129,7 @@ UploadFields parseUpload(std::string_view method, std::string_view path, std::st
     UploadFields upload;
     if (method != "GET" && method != "POST") return upload;
     if (query.size() + body.size() > kLongestUpload || path.size() > kLongestUpload) return upload;
+    query = withoutLineEnd(query);
     body = withoutLineEnd(body);
     upload.text = query;
     if (!query.empty() && !body.empty()) upload.text += '&';
