@@ -95,9 +95,9 @@ FeedLoop::Time ExecFeed::goOn(Time now) {
 }
 
 FeedLoop::Time ExecFeed::hasEnded(const std::string& how, Time now) {
-    m_lines.finish([this](std::string_view line) { bring(line); });
+    m_lines.finish();
     readErrors();
-    m_errorLines.finish([this](std::string_view line) { keepError(line); });
+    m_errorLines.finish();
     std::string why = "\"" + m_plan.words.front() + "\" " + how;
     if (!m_lastErrors.empty()) {
         why += " (";
@@ -121,19 +121,14 @@ FeedLoop::Time ExecFeed::tryLater(const std::string& why, Time now) {
 
 // Gives whether there is nothing more for now.
 bool ExecFeed::readOutput() {
+    if (!m_lines.goOn()) return false;
     char bytes[16384];
     for (int i = 0; i < kChunksATurn; ++i) {
         const ssize_t count = ::read(m_child->output(), bytes, sizeof bytes);
         if (count < 0 && errno == EINTR) continue;
         if (count == 0) m_loop.unwatch(m_child->output());  // it has closed it, and may go on running
         if (count <= 0) return true;
-        m_lines.take(
-            {bytes, static_cast<std::size_t>(count)}, [this](std::string_view line) { bring(line); },
-            [this] {
-                m_outlet->leftOut(FeedOutlet::LeftOut::TooLong,
-                                  "\"" + m_plan.words.front() + "\" wrote a line of more than " +
-                                      std::to_string(kLongestRow) + " bytes; left out");
-            });
+        if (!m_lines.take({bytes, static_cast<std::size_t>(count)})) return false;
     }
     return false;
 }
@@ -145,20 +140,25 @@ void ExecFeed::readErrors() {
         if (count < 0 && errno == EINTR) continue;
         if (count == 0) m_loop.unwatch(m_child->errors());
         if (count <= 0) return;
-        m_errorLines.take(
-            {bytes, static_cast<std::size_t>(count)}, [this](std::string_view line) { keepError(line); },
-            [] {});
+        m_errorLines.take({bytes, static_cast<std::size_t>(count)});
     }
 }
 
-void ExecFeed::keepError(std::string_view line) {
+bool ExecFeed::keepError(std::string_view line) {
     if (m_lastErrors.size() == kErrorLines) m_lastErrors.pop_front();
     m_lastErrors.push_back(repairedUtf8(line.substr(0, kErrorBytes)));
+    return true;
 }
 
-void ExecFeed::bring(std::string_view line) {
+bool ExecFeed::bring(std::string_view line) {
     isLive();
-    m_outlet->arrivedLine(line);
+    return m_outlet->arrivedLine(line);
+}
+
+void ExecFeed::tellTooLong() {
+    m_outlet->leftOut(FeedOutlet::LeftOut::TooLong, "\"" + m_plan.words.front() +
+                                                        "\" wrote a line of more than " +
+                                                        std::to_string(kLongestRow) + " bytes; left out");
 }
 
 void ExecFeed::isLive() {

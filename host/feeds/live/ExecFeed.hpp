@@ -42,8 +42,9 @@ class ExecFeed final : public Feed, private FeedLoop::Member {
     void readErrors();
     Time hasEnded(const std::string& how, Time now);
     Time tryLater(const std::string& why, Time now);
-    void keepError(std::string_view line);
-    void bring(std::string_view line);
+    bool keepError(std::string_view line);
+    bool bring(std::string_view line);
+    void tellTooLong();
     void isLive();
 
     FeedLoop& m_loop;
@@ -59,7 +60,8 @@ class ExecFeed final : public Feed, private FeedLoop::Member {
     // of the loop's thread
     BackOff m_backOff;
     std::optional<ChildProcess> m_child;
-    LineCutter m_lines, m_errorLines;
+    LineCutter m_lines{[this](std::string_view line) { return bring(line); }, [this] { tellTooLong(); }};
+    LineCutter m_errorLines{[this](std::string_view line) { return keepError(line); }, [] {}};
     std::deque<std::string> m_lastErrors;
     Time m_started{}, m_next{}, m_killAt = FeedLoop::kNever;
     bool m_startedBefore = false, m_live = false, m_paused = false, m_told = false;

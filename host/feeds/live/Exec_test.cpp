@@ -2,6 +2,7 @@
 #include <sys/wait.h>
 
 #include "host/feeds/live/testing/LiveBench.hpp"
+#include "host/services/UniqueFd.hpp"
 
 // Real programs.
 
@@ -111,6 +112,7 @@ TEST_F(Exec, AProgramDoesNotOutliveAHostThatIsKilled) {
 
 TEST_F(Exec, RunsInTheFolderWithoutInputAndWithoutTheHostsOwnVariables) {
     ::setenv("VIGIL_TEST_PASSWORD", "hush", 1);
+    const UniqueFd careless(::dup(0));  // as some library might leave it
     writeScript("show.sh",
                 "pwd\ncat\necho \"${VIGIL_TEST_PASSWORD:-nothing}\"\nls /proc/self/fd | wc -l\n"
                 "exec sleep 100\n");
@@ -133,22 +135,36 @@ TEST_F(Exec, ALineWithoutAnEndIsLeftOutAndTheNextOnesCome) {
     EXPECT_EQ(feeds().counts("Home")->leftOut, 1U);
 }
 
-TEST_F(Exec, AFullStationHoldsTheProgramBackAndNothingIsLost) {
+TEST_F(Exec, AFullStationHoldsTheProgramBackAtOnceAndNothingIsLost) {
     writeScript("flood.sh", "seq 1 200000\nexec sleep 100\n");
-    const auto sink = add("Home", "exec:./flood.sh");
-    ASSERT_TRUE(sink->waitForMessages(1));
-    sink->setFull(true);
-    sleepFor(100);
-    const auto held = sink->count();
+    auto sink = std::make_shared<RecordingSink>();
+    sink->setFullAt(10);
+    ASSERT_TRUE(tryAdd("Home", "exec:./flood.sh", sink));
+    ASSERT_TRUE(sink->waitForMessages(10));
     const auto before = processorTime();
     sleepFor(200);
-    EXPECT_EQ(sink->count(), held);
+    EXPECT_EQ(sink->count(), 10U);
     EXPECT_LT(processorTime() - before, milliseconds(60)) << "waiting is no work";
-    sink->setFull(false);
+    sink->setFullAt(1000000);
     ASSERT_TRUE(sink->waitForMessages(200000));
     const auto lines = sink->payloads();
     for (std::size_t i = 0; i < lines.size(); ++i)
         ASSERT_EQ(lines[i], std::to_string(i + 1));
+}
+
+TEST_F(Exec, AProgramThatHasEndedIsReadToItsEndHoweverLongAStationIsFull) {
+    writeScript("short.sh", "seq 1 1000\n");
+    auto sink = std::make_shared<RecordingSink>();
+    sink->setFullAt(3);
+    ASSERT_TRUE(tryAdd("Home", "exec:./short.sh", sink));
+    ASSERT_TRUE(sink->waitForMessages(3));
+    const auto before = processorTime();
+    sleepFor(200);
+    EXPECT_EQ(sink->count(), 3U);
+    EXPECT_LT(processorTime() - before, milliseconds(60)) << "waiting is no work";
+    sink->setFullAt(1000);
+    ASSERT_TRUE(sink->waitForMessages(1000));
+    EXPECT_EQ(sink->payloads()[999], "1000");
 }
 
 TEST_F(Exec, OneThreadServesManyPrograms) {

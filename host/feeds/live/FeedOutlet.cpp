@@ -8,17 +8,23 @@ FeedOutlet::FeedOutlet(Options options) : m_options(std::move(options)) {}
 
 void FeedOutlet::arrived(RawMessage message) {
     const std::lock_guard lock(m_mutex);
-    if (!m_options.sink) return;
+    if (m_options.sink) bring(std::move(message));
+}
+
+void FeedOutlet::bring(RawMessage message) {
     ++m_messages;
     m_bytes += message.payload.size();
     message.arrived = m_options.clock();
     m_options.sink->arrived(std::move(message));
 }
 
-void FeedOutlet::arrivedLine(std::string_view line) {
+bool FeedOutlet::arrivedLine(std::string_view line) {
     RawMessage message;
     message.payload = line;
-    arrived(std::move(message));
+    const std::lock_guard lock(m_mutex);
+    if (!m_options.sink) return true;
+    bring(std::move(message));
+    return !m_options.sink->wantsPause();
 }
 
 void FeedOutlet::leftOut(LeftOut kind, const std::string& words) {

@@ -37,8 +37,8 @@ class FeedOutlet {
 
     /// Stamps the message with the clock and brings it.
     void arrived(RawMessage message);
-    /// A message of these bytes.
-    void arrivedLine(std::string_view line);
+    /// A message of these bytes; gives whether the next one may follow now.
+    bool arrivedLine(std::string_view line);
     /// Counts, and tells the sink unless one of the kind was told a short while ago.
     void leftOut(LeftOut kind, const std::string& words);
     /// The same state as before is not told again.
@@ -53,6 +53,8 @@ class FeedOutlet {
     void close();
 
   private:
+    void bring(RawMessage message);
+
     using Steady = std::chrono::steady_clock;
     struct Told {
         std::optional<Steady::time_point> at{};

@@ -9,18 +9,20 @@ namespace vigil {
 namespace {
 
 struct Cut {
-    explicit Cut(std::size_t longest = 100) : cutter(longest) {}
-    void take(std::string_view bytes) {
-        cutter.take(
-            bytes, [this](std::string_view line) { lines.emplace_back(line); }, [this] { ++tooLong; });
-    }
-    void finish() {
-        cutter.finish([this](std::string_view line) { lines.emplace_back(line); });
-    }
+    explicit Cut(std::size_t longest = 100)
+        : cutter(
+              [this](std::string_view line) {
+                  lines.emplace_back(line);
+                  return lines.size() < stopAt;
+              },
+              [this] { ++tooLong; }, longest) {}
+    bool take(std::string_view bytes) { return cutter.take(bytes); }
+    void finish() { cutter.finish(); }
 
-    LineCutter cutter;
     std::vector<std::string> lines;
+    std::size_t stopAt = 1000;
     int tooLong = 0;
+    LineCutter cutter;
 };
 
 using Lines = std::vector<std::string>;
@@ -61,6 +63,21 @@ TEST(LineCutter, ALineThatNeverEndsIsToldOnceAndNothingOfItStays) {
     cut.take("abc\nnext\n");
     EXPECT_EQ(cut.lines, Lines{"next"});
     EXPECT_EQ(cut.tooLong, 1);
+}
+
+TEST(LineCutter, StopsBehindALineWhenTheNextMayNotFollowAndGoesOnLater) {
+    Cut cut;
+    cut.stopAt = 2;
+    EXPECT_FALSE(cut.take("one\ntwo\nthree\nfo"));
+    EXPECT_EQ(cut.lines, (Lines{"one", "two"}));
+    cut.stopAt = 3;
+    EXPECT_FALSE(cut.cutter.goOn());
+    EXPECT_EQ(cut.lines, (Lines{"one", "two", "three"}));
+    cut.stopAt = 100;
+    EXPECT_TRUE(cut.cutter.goOn());
+    EXPECT_TRUE(cut.cutter.goOn());
+    EXPECT_TRUE(cut.take("ur\n"));
+    EXPECT_EQ(cut.lines, (Lines{"one", "two", "three", "four"}));
 }
 
 TEST(LineCutter, TheRestOfALineWhoseBeginningNobodySawIsLeftOut) {

@@ -100,7 +100,13 @@ FeedLoop::Time LinesFeed::goOn(Time now) {
     return look(now);
 }
 
+void LinesFeed::tellTooLong() {
+    m_outlet->leftOut(FeedOutlet::LeftOut::TooLong,
+                      m_path + ": a line of more than " + std::to_string(kLongestRow) + " bytes; left out");
+}
+
 LinesFeed::Read LinesFeed::read() {
+    if (!m_lines.goOn()) return Read::More;
     char bytes[16384];
     const bool mayBlock = m_file->isStandardInput() && !m_file->isOrdinary();  // others may share it
     for (int i = 0; i < kChunksATurn; ++i) {
@@ -114,13 +120,7 @@ LinesFeed::Read LinesFeed::read() {
             return Read::Failed;
         }
         if (count == 0) return Read::End;
-        m_lines.take(
-            {bytes, static_cast<std::size_t>(count)}, [this](std::string_view line) { bring(line); },
-            [this] {
-                m_outlet->leftOut(
-                    FeedOutlet::LeftOut::TooLong,
-                    m_path + ": a line of more than " + std::to_string(kLongestRow) + " bytes; left out");
-            });
+        if (!m_lines.take({bytes, static_cast<std::size_t>(count)})) return Read::More;
     }
     return Read::More;
 }
@@ -146,7 +146,7 @@ FeedLoop::Time LinesFeed::look(Time now) {
             return now;
         case FollowedFile::Change::Replaced:
             if (read() == Read::More) return now;  // what was added to the old one meanwhile
-            m_lines.finish([this](std::string_view line) { bring(line); });
+            m_lines.finish();
             endWatch();
             m_file.reset();
             return open(now);
@@ -156,7 +156,7 @@ FeedLoop::Time LinesFeed::look(Time now) {
 
 // A pipe without writers, or standard input.
 FeedLoop::Time LinesFeed::hasEnded(Time now) {
-    m_lines.finish([this](std::string_view line) { bring(line); });
+    m_lines.finish();
     endWatch();
     if (!m_file->isStandardInput()) {
         m_file.reset();

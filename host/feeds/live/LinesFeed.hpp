@@ -38,7 +38,7 @@ class LinesFeed final : public Feed, private FeedLoop::Member {
     Time hasEnded(Time now);
     Time tryLater(const std::string& why, Time now);
     Read read();
-    void bring(std::string_view line) { m_outlet->arrivedLine(line); }
+    void tellTooLong();
     void beginWatch();
     void endWatch();
 
@@ -50,7 +50,8 @@ class LinesFeed final : public Feed, private FeedLoop::Member {
     // of the loop's thread
     std::optional<FollowedFile> m_file;
     UniqueFd m_notes;  // told by the system when an ordinary file has changed
-    LineCutter m_lines;
+    LineCutter m_lines{[this](std::string_view line) { return m_outlet->arrivedLine(line); },
+                       [this] { tellTooLong(); }};
     bool m_fromStart, m_openedBefore = false, m_paused = false, m_over = false;
     Time m_nextLook{};
     int m_error = 0;

@@ -163,14 +163,13 @@ TEST_F(Lines, AFullStationHoldsAFileBackAndNothingIsLost) {
     for (int i = 0; i < 100000; ++i)
         all += std::to_string(i) + "\n";
     write("log", all);
-    const auto sink = follow("?from=start");
-    ASSERT_TRUE(sink->waitForMessages(1));
-    sink->setFull(true);
-    sleepFor(100);
-    const auto held = sink->count();
+    auto sink = std::make_shared<RecordingSink>();
+    sink->setFullAt(10);
+    ASSERT_TRUE(tryAdd("Home", "lines:log?from=start", sink));
+    ASSERT_TRUE(sink->waitForMessages(10));
     sleepFor(50);
-    EXPECT_EQ(sink->count(), held);
-    sink->setFull(false);
+    EXPECT_EQ(sink->count(), 10U);
+    sink->setFullAt(1000000);
     ASSERT_TRUE(sink->waitForMessages(100000));
     EXPECT_EQ(sink->payloads().back(), "99999");
     EXPECT_EQ(sink->count(), 100000U);

@@ -90,11 +90,11 @@ TEST_F(Recordings, AFileMayKeepItsTimesAndGoAsFastAsItCan) {
 TEST_F(Recordings, AFullStationHoldsTheReplayBack) {
     write("log.csv", kThreeMinutes);
     auto sink = std::make_shared<RecordingSink>();
-    sink->setFull(true);
+    sink->setFullAt(0);
     ASSERT_TRUE(tryAdd("Home", "csv:log.csv?speed=1000000", sink));
     sleepFor(100);
     EXPECT_EQ(sink->count(), 0U);
-    sink->setFull(false);
+    sink->setFullAt(100);
     EXPECT_TRUE(sink->waitForState(FeedState::Ended));
     EXPECT_EQ(sink->count(), 3U);
 }

@@ -136,7 +136,7 @@ TEST_F(UploadAttack, NonsenseHarmsNobody) {
     for (int i = 0; i < 300; ++i) {
         std::string bytes = begins[static_cast<std::size_t>(i) % 5];
         for (int length = static_cast<int>(random() % 400); length > 0; --length)
-            bytes += static_cast<char>(random() % 4 == 0 ? "\r\n %&=?:\0"[random() % 9] : random() % 256);
+            bytes += random() % 4 == 0 ? "\r\n %&=?:"[random() % 9] : static_cast<char>(random() % 256);
         Talk talk(m_port, ("127.0.2." + std::to_string(1 + i % 200)).c_str());
         talk.send(bytes);
         if (i % 2 == 0) talk.read("\n", 20);

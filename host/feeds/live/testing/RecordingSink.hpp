@@ -4,6 +4,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <functional>
+#include <limits>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -29,9 +30,16 @@ class RecordingSink final : public FeedSink {
     void state(FeedState state) override {
         note([&] { m_states.push_back(std::move(state)); });
     }
-    bool wantsPause() const override { return m_full; }
+    bool wantsPause() const override {
+        const std::lock_guard lock(m_mutex);
+        return m_count >= m_fullAt;
+    }
 
-    void setFull(bool full) { m_full = full; }
+    /// It is full when it has so many.
+    void setFullAt(std::size_t count) {
+        const std::lock_guard lock(m_mutex);
+        m_fullAt = count;
+    }
     /// From now on messages are counted and not kept.
     void countOnly() { m_keeps = false; }
 
@@ -95,8 +103,8 @@ class RecordingSink final : public FeedSink {
     std::vector<RawMessage> m_messages;
     std::vector<std::string> m_problems;
     std::vector<FeedState> m_states;
-    std::size_t m_count = 0, m_calls = 0;
-    std::atomic<bool> m_full{false}, m_keeps{true};
+    std::size_t m_count = 0, m_calls = 0, m_fullAt = std::numeric_limits<std::size_t>::max();
+    std::atomic<bool> m_keeps{true};
 };
 
 }  // namespace vigil
