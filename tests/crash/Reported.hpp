@@ -19,7 +19,6 @@ class Reported {
     void compare(const SiteFile& site);
 
     const std::vector<std::string>& findings() const { return m_findings; }
-    std::size_t fires() const { return m_fires.size(); }
     std::size_t acts() const { return m_acts.size(); }
 
   private:
