@@ -48,6 +48,7 @@ struct PlotTexts {
 struct Plot {
     std::string title;
     std::string subtitle;
+    std::string condition{};
     Date since, until;
     bool ofMonitor = false;  ///< with a lane for what the monitor did
     std::vector<PlotSeries> series{};

@@ -190,7 +190,8 @@ Result<Plot> plotOfMonitor(const OpenHistory& history, const StoredPlugIn& monit
     Plot& made = plot.value();
     made.ofMonitor = true;
     made.title = monitor.title;
-    made.subtitle = history.stationName(monitor.station) + ", " + rangeText(made) + "   " + condition;
+    made.subtitle = history.stationName(monitor.station) + ", " + rangeText(made);
+    made.condition = std::move(condition);
     made.held = spansOf(held, step);
     made.waits = std::move(waits);
     made.unwatched = unwatched(replay.watches(), made.since, std::min(made.until, systemNow()));

@@ -17,6 +17,10 @@ namespace {
 constexpr std::array kColours{"#1f6fb4", "#c2570c", "#2b8a4b", "#7a4fb0", "#0f8b8d", "#b0366f"};
 constexpr std::size_t kTimeTicks = 9;
 constexpr double kPanelGap = 34;
+constexpr double kPixelsOfStep = 42;
+/// Above and below a line, as a share of its height.
+constexpr double kRoom = 0.04;
+constexpr double kAllOfIt = 100;
 /// A line is interrupted where more than so many of its usual steps are missing.
 constexpr double kStepsOfGap = 3.5;
 
@@ -36,10 +40,8 @@ std::string PlotDrawing::draw() {
     for (const PlotTexts& texts : m_plot.texts)
         textLane(texts);
     auto all = panels();
-    m_firstTop = m_y + kPanelGap;
     for (Panel& one : all)
         panel(one);
-    if (all.empty()) m_firstTop = m_y;
     timeAxis();
     fireLines();
     constexpr const char* kHead =
@@ -93,9 +95,13 @@ void PlotDrawing::panel(Panel& panel) {
         for (const PlotThreshold& threshold : series->thresholds)
             low = std::min(low, threshold.value), high = std::max(high, threshold.value);
     }
-    const ValueScale scale = ValueScale::around(low, high);
     panel.top = m_y + kPanelGap;
     panel.bottom = panel.top + panelHeight(panels().size());
+    // A line does not run along the edge, except at the end of what can be.
+    const double room = kRoom * (high - low);
+    if (low != 0) low -= room;
+    if (high != kAllOfIt || panel.unit != "%") high += room;
+    const ValueScale scale = ValueScale::around(low, high, (panel.bottom - panel.top) / kPixelsOfStep);
     panelTitle(panel);
     rectangle(kLeft, panel.top, kRight - kLeft, panel.bottom - panel.top, "fill=\"#fafaf8\"");
     spans(panel.top, panel.bottom);
@@ -113,9 +119,6 @@ void PlotDrawing::values(const Panel& panel, const ValueScale& scale) {
                              kRight);
         text(kLeft - 8, y(tick.value) + 4, "text-anchor=\"end\" fill=\"#5b5b57\"", tick.label);
     }
-    for (const PlotSeries* series : panel.series)
-        for (const PlotThreshold& one : series->thresholds)
-            threshold(one, *series, y(one.value));
     for (const PlotSeries* series : panel.series) {
         m_svg += "<path d=\"";
         appendPath(
@@ -126,6 +129,9 @@ void PlotDrawing::values(const Panel& panel, const ValueScale& scale) {
             "stroke-linecap=\"round\"/>\n",
             colour(*series));
     }
+    for (const PlotSeries* series : panel.series)
+        for (const PlotThreshold& one : series->thresholds)
+            threshold(one, *series, y(one.value));
 }
 
 void PlotDrawing::timeGrid(double top, double bottom) {
@@ -145,7 +151,7 @@ void PlotDrawing::timeAxis() {
     }
     text(kRight, m_y + 38, "text-anchor=\"end\" fill=\"#8a8a84\" font-size=\"11\"",
          "times in " + zoneText(m_plot.since, m_plot.zone));
-    m_y += 50;
+    m_y += kBelowAxis;
 }
 
 void PlotDrawing::text(double atX, double atY, std::string_view style, std::string_view said) {

@@ -16,6 +16,7 @@ class PlotDrawing {
     static constexpr double kWidth = 900;
     static constexpr double kLeft = 62;
     static constexpr double kRight = 882;
+    static constexpr double kBelowAxis = 50;  ///< for the times
 
     explicit PlotDrawing(const Plot& plot) : m_plot(plot) {}
 
@@ -55,7 +56,7 @@ class PlotDrawing {
     std::string m_svg{};
     std::string m_lines{};  // over all panels, drawn last
     double m_y = 0;         // what is above is drawn
-    double m_firstTop = 0;  // of the panels
+    double m_laneTop = 0;   // where the lines of the fires begin
     std::vector<TimeTick> m_ticks{};
 };
 

@@ -19,6 +19,7 @@ constexpr double kLaneHeight = 22;
 constexpr double kLetter = 6.6;
 constexpr std::size_t kLongestTitle = 70;
 constexpr std::size_t kLongestName = 40;
+constexpr std::size_t kLongestCondition = 115;
 /// Fires closer than so many pixels are one mark.
 constexpr double kNearestFires = 2;
 /// Marks up to this number tell their time when one points at them.
@@ -35,6 +36,11 @@ void PlotDrawing::heading() {
          shortened(m_plot.title, kLongestTitle));
     text(kLeft, 54, "fill=\"#6a6a65\"", shortened(m_plot.subtitle, 2 * kLongestTitle));
     m_y = 60;
+    if (m_plot.condition.empty()) return;
+    text(kLeft, 73,
+         "fill=\"#45453f\" font-family=\"ui-monospace,'DejaVu Sans Mono',monospace\" font-size=\"11.5\"",
+         shortened(m_plot.condition, kLongestCondition));
+    m_y = 80;
 }
 
 void PlotDrawing::legend() {
@@ -83,6 +89,7 @@ void PlotDrawing::spans(double top, double bottom) {
 
 void PlotDrawing::lane() {
     const double top = m_y + 14, bottom = top + kLaneHeight;
+    m_laneTop = top;
     rectangle(kLeft, top, kRight - kLeft, kLaneHeight, "fill=\"#fafaf8\"");
     spans(top, bottom);
     for (const auto& [left, right] : pixels(m_plot.waits))
@@ -95,7 +102,7 @@ void PlotDrawing::lane() {
 // The lines come last, over the panels and below nothing.
 void PlotDrawing::fireLines() {
     if (!m_plot.ofMonitor) return;
-    const double top = 60 + 26 + 14, bottom = m_y - 50;
+    const double top = m_laneTop, bottom = m_y - kBelowAxis;
     double last = -1e9;
     const bool told = m_plot.fires.size() <= kMostTold;
     for (const Date fire : m_plot.fires) {
@@ -104,7 +111,7 @@ void PlotDrawing::fireLines() {
         m_lines += "<g>";
         if (told) m_lines += "<title>fired " + xmlText(localText(fire, m_plot.zone)) + "</title>";
         m_lines +=
-            fmt::format("<path d=\"M{:.1f} {:.1f}V{:.1f}\" stroke=\"{}\" stroke-opacity=\"0.55\"/>{}</g>\n",
+            fmt::format("<path d=\"M{:.1f} {:.1f}V{:.1f}\" stroke=\"{}\" stroke-opacity=\"0.4\"/>{}</g>\n",
                         last, top, bottom, kFireColour, triangle(last, top + 2));
     }
 }

@@ -86,14 +86,13 @@ std::vector<TimeTick> monthTicks(Date since, Date until, int step, const LocalZo
 
 }  // namespace
 
-ValueScale ValueScale::around(double low, double high) {
+ValueScale ValueScale::around(double low, double high, double wanted) {
     if (!std::isfinite(low) || !std::isfinite(high) || low > high) low = 0, high = 1;
     if (!(high - low > std::max(std::abs(low), std::abs(high)) * 1e-9)) {
         const double half = low == 0 ? 1 : std::abs(low) * 0.05;
         low -= half, high += half;
     }
-    constexpr double kWanted = 5;
-    const double rough = (high - low) / kWanted;
+    const double rough = (high - low) / wanted;
     const double power = std::pow(10, std::floor(std::log10(rough)));
     const double lead = rough / power;
     const double step = power * (lead < 1.5 ? 1 : lead < 3.5 ? 2 : lead < 7.5 ? 5 : 10);

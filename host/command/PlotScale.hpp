@@ -16,13 +16,14 @@ struct ValueTick {
     std::string label;
 };
 
-/// A value axis that begins and ends at ticks: three to seven of them, at 1, 2 or 5 times a power of ten.
+/// A value axis that begins and ends at ticks, which stand at 1, 2 or 5 times a power of ten.
 struct ValueScale {
     double low = 0, high = 1;
     std::vector<ValueTick> ticks{};
 
-    /// `low` to `high` shown whole; equal ones and no numbers at all give a scale all the same.
-    static ValueScale around(double low, double high);
+    /// `low` to `high` shown whole, with about `wanted` steps; equal ones and no numbers at all give a scale
+    /// all the same.
+    static ValueScale around(double low, double high, double wanted = 5);
     double share(double value) const { return (value - low) / (high - low); }
 };
 

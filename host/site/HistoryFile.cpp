@@ -5,7 +5,9 @@
 #include <filesystem>
 #include <system_error>
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include "host/site/HistoryFile_Tables.hpp"
 #include "platform/Date.hpp"
@@ -38,6 +40,14 @@ void make(SQLite::Database& database) {
     database.exec("COMMIT");
 }
 
+// Archives hold people's addresses, so nobody else is to read them; the database's other files follow this
+// one. One that exists is left alone: closing it here would give up the locks of this process's readers.
+void createForOwner(const std::string& file) {
+    constexpr mode_t kOwnerOnly = 0600;
+    const int fresh = ::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly);
+    if (fresh >= 0) ::close(fresh);
+}
+
 Date lastChange(const fs::path& file) {
     std::error_code failed;
     const auto changed = fs::last_write_time(file, failed);
@@ -55,6 +65,7 @@ bool isDamage(const SQLite::Exception& what) {
 }
 
 std::unique_ptr<SQLite::Database> openHistoryForWriting(const std::string& file) {
+    createForOwner(file);
     auto database = std::make_unique<SQLite::Database>(
         file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX, kBusyMilliseconds);
     // A page of the cache that is not needed costs nothing; a small one keeps a service of one station small.
