@@ -28,22 +28,28 @@ set(CPACK_DEBIAN_VIGIL_PACKAGE_NAME vigil)
 set(CPACK_DEBIAN_VIGIL_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_VIGIL_DESCRIPTION
     "monitors of measuring stations
- Vigil watches the readings of measuring stations. A monitor judges a condition on every batch of readings that a
- station sends, and acts when it holds: it runs a script, plays a sound, speaks.
- .
- The package holds the command, a service that is off until it is enabled, and the monitor's module.")
+Vigil watches the readings of measuring stations. A monitor judges a
+condition on every batch of readings that a station sends, and acts when
+it holds: it runs a script, plays a sound, speaks.
+
+The package holds the command, a service that is off until it is enabled,
+and the monitor's module.")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_RECOMMENDS "tzdata")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_SUGGESTS "mosquitto, rtl-433")
 set(scripts "${CMAKE_CURRENT_SOURCE_DIR}/debian")
-set(CPACK_DEBIAN_VIGIL_PACKAGE_CONTROL_EXTRA "${scripts}/postinst;${scripts}/prerm;${scripts}/postrm;${scripts}/triggers")
+# Whatever is linked with the kit needs the package of this very version.
+file(WRITE "${PROJECT_BINARY_DIR}/packaging/shlibs" "libvigilkit ${PROJECT_VERSION_MAJOR} vigil (= ${PROJECT_VERSION})\n")
+set(CPACK_DEBIAN_VIGIL_PACKAGE_CONTROL_EXTRA "${scripts}/postinst;${scripts}/prerm;${scripts}/postrm;${scripts}/triggers;${PROJECT_BINARY_DIR}/packaging/shlibs")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(CPACK_DEBIAN_VIGIL-DEV_PACKAGE_NAME vigil-dev)
 set(CPACK_DEBIAN_VIGIL-DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_VIGIL-DEV_DESCRIPTION
     "plug-ins for Vigil: headers and CMake package
- What a plug-in for Vigil is built with, and an example of twenty lines.")
+What a plug-in for Vigil is built with, an example of twenty lines, and a
+plug-in that tells whether a host keeps the contract.")
+set(CPACK_DEBIAN_VIGIL-DEV_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_VIGIL-DEV_PACKAGE_DEPENDS "vigil (= ${PROJECT_VERSION})")
 include(CPack)

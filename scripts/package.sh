@@ -38,6 +38,7 @@ install_packages run package
 make_packages
 if [[ ${1:-} == --try ]]; then
     rights="$(administrator)" || fail "$EXIT_ENVIRONMENT" "--try needs root's rights for debootstrap and chroot"
+    mkdir -p "$VIGIL_ROOT/build/fresh-root" # ours, so that we can remove what root leaves in it
     # shellcheck disable=SC2086 # the words of the rights are apart on purpose
     $rights "$VIGIL_ROOT/tests/packaging/fresh_root.sh" "$VIGIL_ROOT/build/fresh-root" \
         "$VIGIL_ROOT/build/release/packages/"*.deb

@@ -54,6 +54,7 @@ both "monitor" vigil mon
 both "--condition" vigil replay --cond
 both "file.csv" vigil replay file.c
 both "file.csv" vigil replay --condition x --retrigger 5 file.c
+both "file.csv" vigil replay --trace --condition x --json file.c
 both "" vigil check file
 both "file.csv" vigil eval condition file.c
 both "create" vigil monitor cr

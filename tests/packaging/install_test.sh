@@ -31,7 +31,7 @@ there "$usr" bin/vigil libexec/vigil/vigil-helper lib/libvigilkit.so.0 lib/libvi
     lib/systemd/{system,user}/vigil.service lib/sysusers.d/vigil.conf lib/tmpfiles.d/vigil.conf \
     share/man/man1/{vigil,vigil-monitor}.1 share/bash-completion/completions/vigil \
     share/zsh/vendor-completions/_vigil share/fish/vendor_completions.d/vigil.fish \
-    share/doc/vigil/{copyright,LICENSE,changelog,small-server.md,formats/csv.md,examples/frost-night.csv} \
+    share/doc/vigil/{copyright,LICENSE,CHANGELOG.md,small-server.md,formats/csv.md,examples/frost-night.csv} \
     include/vigil/host_contract/Module.hpp lib/cmake/VigilKit/VigilKitConfig.cmake share/doc/vigil-dev/copyright
 [[ $(ls "$usr/bin") == vigil ]] || wrong "bin holds more than the program: $(ls "$usr/bin")"
 [[ $(ls "$work/staged") == usr ]] || wrong "something is installed outside the prefix: $(ls "$work/staged")"
