@@ -7,11 +7,11 @@
 
 #include "host/command/Commands.hpp"
 #include "host/command/ConditionAnswer.hpp"
-#include "host/kit/MonitorModule.hpp"
 #include "host/command/MonitorSite.hpp"
 #include "host/command/Refusal.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/command/SiteRunner.hpp"
+#include "host/kit/MonitorModule.hpp"
 
 namespace vigil {
 namespace {

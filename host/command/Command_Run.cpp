@@ -10,6 +10,7 @@
 
 #include "host/command/CommandLine.hpp"
 #include "host/command/Commands.hpp"
+#include "host/command/GapReport.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/kit/StandardLog.hpp"
 #include "host/run/HealthPort.hpp"
@@ -152,6 +153,7 @@ void run(const RunOptions& options, CommandContext& context) {
     auto socket =
         SiteSocket::open(file->path(), [&](const std::string& question) { return service.answer(question); });
     if (!socket) log.logLevel(kLogProblem, "`vigil status` will not work: " + socket.error().message);
+    if (!options.noHistory) tellGaps(*file, site.value()->unfinished(), log);
     signals.listen([&](int signal) { service.came(signal); });
     site.value()->start();
     log.logLevel(kLogNotice, site.value()->startText());

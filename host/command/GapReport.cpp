@@ -1,8 +1,13 @@
 #include "host/command/GapReport.hpp"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 
 #include "host/command/MonitorReplay.hpp"
+#include "host/kit/InterfaceFile.hpp"
+#include "host/kit/StandardLog.hpp"
+#include "host/services/SystemClock.hpp"
 
 namespace vigil {
 namespace {
@@ -83,6 +88,34 @@ std::vector<std::string> gapSentences(const GapReport& report) {
             fmt::format("{}: fired at {}, and its actions were cut short by the end of the process.",
                         report.title, date.description()));
     return said;
+}
+
+void tellGaps(const SiteFile& site, const std::vector<FireRecord>& incomplete, QRVLog& log) {
+    const auto reader = HistoryReader::open(site.path());
+    const auto stations = site.stations();
+    const auto plugIns = site.plugIns();
+    if (!reader || !stations || !plugIns) return;
+    InterfaceFile interfaceFiles;
+    std::size_t told = 0;
+    for (const PlugInRecord& plugIn : plugIns.value()) {
+        if (told == kMostTold) break;
+        const auto station = std::find_if(stations.value().begin(), stations.value().end(),
+                                          [&](const auto& one) { return one.id == plugIn.station; });
+        if (station == stations.value().end()) continue;
+        const auto report = gapReport(*reader.value(), {plugIn.id, plugIn.station, plugIn.title},
+                                      station->name, systemNow(), incomplete, log, interfaceFiles);
+        if (!report) {
+            log.logLevel(kLogProblem,
+                         "what \"" + plugIn.title + "\" missed is not known: " + report.error().message);
+            continue;
+        }
+        const auto sentences = gapSentences(report.value());
+        if (!sentences.empty()) ++told;
+        for (const std::string& sentence : sentences)
+            log.logLevel(kLogNotice, sentence);
+    }
+    if (told == kMostTold)
+        log.logLevel(kLogNotice, "`vigil history` and `vigil why` tell what the other monitors missed");
 }
 
 }  // namespace vigil

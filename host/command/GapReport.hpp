@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "host/site/HistoryReader.hpp"
+#include "host/site/SiteFile.hpp"
 #include "host/site/SiteRecords.hpp"
 #include "host_contract/QRVLog.hpp"
 #include "platform/InterfaceFiles.hpp"
@@ -38,5 +39,10 @@ Result<GapReport> gapReport(HistoryReader& reader, const StoredPlugIn& monitor, 
 ///     Frost: not watched from 2026-11-20 23:10:00 +0000 to 2026-11-21 06:02:11 +0000 (the process ended
 ///     without a word). Nothing is known of that time.
 std::vector<std::string> gapSentences(const GapReport& report);
+
+/// Tells the log what every monitor of a site has missed, at most `kMostTold` of them by name; the rest are
+/// counted. Says nothing where there is no history yet.
+inline constexpr std::size_t kMostTold = 20;
+void tellGaps(const SiteFile& site, const std::vector<FireRecord>& incomplete, QRVLog& log);
 
 }  // namespace vigil

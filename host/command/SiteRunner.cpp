@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "host/command/SiteChoice.hpp"
+#include "host/run/SiteSocket.hpp"
 #include "host/site/MonitorsFile.hpp"
 
 namespace vigil {
@@ -18,8 +19,10 @@ std::string monitorsFromBefore(const std::string& site) {
 void tellRunner(const SiteFile& site, CommandContext& context) {
     if (site.runner() == 0) return;
     const std::string id = std::to_string(site.runner());
-    context.output.error("process " + id + " runs this site and takes the change over at `kill -HUP " + id +
-                         "`");
+    const auto told = SiteSocket::ask(site.path(), "reload");
+    context.output.error(told ? "process " + id + " runs this site and takes the change over now"
+                              : "process " + id + " runs this site and takes the change over at `kill -HUP " +
+                                    id + "`");
 }
 
 }  // namespace vigil

@@ -68,6 +68,7 @@ Result<Done> RunningSite::restore() {
     for (const PlugInRecord& record : plugIns.value())
         addPlugIn(record);
     waitForUnfinished(interrupted.value());
+    m_unfinished = interrupted.value().fires;
     reportInterrupted(interrupted.value());
     return Done{};
 }
@@ -119,7 +120,7 @@ void RunningSite::addPlugIn(const PlugInRecord& record) {
         entry.hosted = &m_plugIns.add(std::move(plugIn).value());
         entry.hosted->call([](QRVPlugIn& loaded) { loaded.didLoad(); });
         entry.savedHash = std::hash<std::string>()(record.archive);
-        if (m_history) m_history->archived(record, m_since, ArchiveReason::Began);
+        if (m_history) m_history->archived(record, m_world.now(), ArchiveReason::Began);
     }
     m_entries.push_back(std::move(entry));
 }

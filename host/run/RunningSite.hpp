@@ -56,6 +56,9 @@ class RunningSite {
     /// Ends the feeds, gives up what has not begun, ends what runs, writes everything down. At rest.
     void stop();
 
+    /// Fires that the last run began and did not complete, as `make` found them.
+    const std::vector<FireRecord>& unfinished() const { return m_unfinished; }
+
     Mailbox& mailbox() { return m_world.mailbox(); }
     SiteStatus status();
     /// "3 stations, 5 monitors, 4 of them active"
@@ -120,6 +123,7 @@ class RunningSite {
     std::map<RecordId, Trouble> m_troubles;
     StrandPool m_pool;
     Feeds m_feeds;
+    std::vector<FireRecord> m_unfinished;
     Date m_since;
     Date m_reminded;
     bool m_stopped = false;

@@ -63,6 +63,7 @@ MonitorStatus RunningSite::statusOf(Entry& entry, const Readings& readings) {
         status.waitsUntil = until;
         return is("waiting", "waiting after its fire");
     }
+    if (readings.entries().empty()) return is("watching", "watching; no data yet");
     const auto missing = missingKeys(plugIn, readings);
     if (!missing.empty()) return is("cannot be judged", "cannot be judged: no reading " + joined(missing));
     return is("watching", "watching");

@@ -80,8 +80,9 @@ class Service:
         run = self.vigil("status", "--json", status=None)
         return json.loads(run.stdout) if run.stdout else None
 
-    def station(self, name="Home"):
-        return next(station for station in self.status()["stations"] if station["name"] == name)
+    def station(self, name=None):
+        """Of that name, or the only one."""
+        return next(station for station in self.status()["stations"] if name in (None, station["name"]))
 
     def monitor(self, title):
         return next(monitor for station in self.status()["stations"] for monitor in station["monitors"]
