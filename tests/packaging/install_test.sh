@@ -24,6 +24,31 @@ works() {
         wrong "doctor and the installed helper: $said"
 }
 
+# serves BIN: the installed service runs a script of the folder it was told.
+serves() {
+    local site="$work/site/home.vigilsite" process status=0 said=""
+    mkdir -p "$work/site" "$work/scripts"
+    printf '#!/bin/sh\necho "the script of $VIGIL_MONITOR"\n' >"$work/scripts/tell.sh"
+    chmod +x "$work/scripts/tell.sh"
+    {
+        "$1/vigil" site create --site "$site"
+        "$1/vigil" station create Home --site "$site" --feed 'simulated:?speed=3000'
+        "$1/vigil" monitor create Always --site "$site" --station Home --active \
+            --condition 'outsideTemp.unitValue > -99' --action 'Run script=tell.sh'
+    } >"$work/log" 2>&1 || { wrong "a site cannot be made: $(cat "$work/log")"; return; }
+    (cd / && exec "$1/vigil" run --site "$site" --scripts "$work/scripts") >"$work/log" 2>&1 &
+    process=$!
+    for ((i = 0; i < 100; ++i)); do
+        said="$("$1/vigil" actions --site "$site" 2>&1 || true)"
+        [[ $said == *"the script of Always"* ]] && break
+        sleep 0.2
+    done
+    kill -TERM "$process"
+    wait "$process" || status=$?
+    [[ $said == *"the script of Always"* ]] || wrong "the installed service ran no script: $said $(cat "$work/log")"
+    [[ $status -eq 0 ]] || wrong "the installed service ended with $status: $(cat "$work/log")"
+}
+
 DESTDIR="$work/staged" cmake --install "$build" --prefix /usr >"$work/log" || wrong "cmake --install: $(cat "$work/log")"
 usr="$work/staged/usr"
 there "$usr" bin/vigil libexec/vigil/vigil-helper lib/libvigilkit.so.0 lib/libvigilkit.so \
@@ -50,6 +75,8 @@ works "$usr/bin"
 # Below a prefix of its own the units name a program that is there, so systemd can judge them.
 cmake --install "$build" --prefix "$work/own" >"$work/log" || wrong "cmake --install --prefix: $(cat "$work/log")"
 works "$work/own/bin"
+known=" $(commands | paste -s -d " ") "
+if [[ $known == *" run "* && $known == *" station "* ]]; then serves "$work/own/bin"; fi
 silent "the system's unit" systemd-analyze verify --man=no "$work/own/lib/systemd/system/vigil.service"
 mkdir -m 700 "$work/run"
 XDG_RUNTIME_DIR="$work/run" silent "the user's unit" \
@@ -61,7 +88,7 @@ exposure="$(sed -n 's/.*Overall exposure level for vigil.service: \([0-9.]*\).*/
 [[ -n $exposure ]] || wrong "systemd told no exposure: $(cat "$work/log")"
 # The option line of the unit is one that the command understands.
 for option in $(sed -n 's/^ExecStart=[^ ]* run //p' "$usr/lib/systemd/system/vigil.service" | grep -oE -- '--[a-z-]+'); do
-    if [[ " $(commands | paste -s -d " ") " == *" run "* ]]; then
+    if [[ $known == *" run "* ]]; then
         long_options run | grep -qx -- "$option" || wrong "vigil run has no $option"
     fi
 done
