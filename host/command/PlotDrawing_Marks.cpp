@@ -125,8 +125,8 @@ void PlotDrawing::textLane(const PlotTexts& texts) {
         if (width < 0.5) continue;
         rectangle(left, top, width, kLaneHeight, "fill=\"#e9eef4\" stroke=\"#ffffff\" stroke-width=\"1\"");
         const auto fits = static_cast<std::size_t>(std::max(0.0, (width - 8) / kLetter));
-        const std::string said = shortened(block.text, fits);
-        if (fits >= 2) text(left + 5, top + 15, "fill=\"#34404c\"", said);
+        const std::string said = shortened(block.text, fits - 1);
+        if (fits >= 3) text(left + 5, top + 15, "fill=\"#34404c\"", said);
     }
     m_y = top + kLaneHeight;
 }
@@ -142,7 +142,7 @@ void PlotDrawing::panelTitle(const Panel& panel) {
             "stroke-linecap=\"round\"/>\n",
             at + 1.5, panel.top - 13, colour(*series));
         text(at + 25, panel.top - 9, "fill=\"#2e2e2b\"", said);
-        at += 25 + kLetter * static_cast<double>(said.size()) + 20;
+        at += 25 + kLetter * static_cast<double>(characters(said)) + 20;
     }
 }
 
@@ -151,11 +151,12 @@ void PlotDrawing::threshold(const PlotThreshold& threshold, const PlotSeries& se
         "<path d=\"M{:.0f} {:.1f}H{:.0f}\" stroke=\"{}\" stroke-width=\"1.2\" "
         "stroke-dasharray=\"6 4\" stroke-opacity=\"0.85\"/>\n",
         kLeft, y, kRight, colour(series));
-    text(kRight - 6, y - 5,
-         fmt::format("text-anchor=\"end\" font-size=\"11\" fill=\"{}\" stroke=\"#fafaf8\" stroke-width=\"3\" "
-                     "paint-order=\"stroke\" stroke-linejoin=\"round\"",
-                     colour(series)),
-         shortened(threshold.label, kLongestName));
+    const std::string label = shortened(threshold.label, kLongestName);
+    const double width = kLetter * static_cast<double>(characters(label)) + 10;
+    // A plate of its own, since a restless line runs through everything.
+    rectangle(kRight - width - 3, y - 17, width, 14, "rx=\"3\" fill=\"#fafaf8\" fill-opacity=\"0.88\"");
+    text(kRight - 8, y - 6, fmt::format("text-anchor=\"end\" font-size=\"11\" fill=\"{}\"", colour(series)),
+         label);
 }
 
 }  // namespace vigil

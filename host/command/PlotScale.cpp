@@ -26,8 +26,7 @@ constexpr double kFirstMonday = 4 * kDay;
 /// Seconds since 1970 as a clock of the zone counts them.
 double localSeconds(const LocalTime& local) {
     using namespace std::chrono;
-    const sys_days day{year(local.year) / static_cast<unsigned>(local.month) /
-                       static_cast<unsigned>(local.day)};
+    const sys_days day{year(local.year) / local.month / local.day};
     return static_cast<double>(day.time_since_epoch().count()) * kDay + local.hour * kHour +
            local.minute * kMinute + local.second;
 }

@@ -110,6 +110,7 @@ TEST(Svg, EscapesEverythingThatIsNoPlainText) {
     EXPECT_EQ(xmlText("\xFFz\xC3"), "\xEF\xBF\xBDz\xEF\xBF\xBD");
     EXPECT_EQ(xmlText("\xED\xA0\x80"), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
     EXPECT_EQ(xmlText("\xEF\xBF\xBE"), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(characters("°C …"), 4U);
     EXPECT_EQ(shortened("°°°°", 3), "°°°…");
     EXPECT_EQ(shortened("°°°", 3), "°°°");
 }

@@ -1,5 +1,6 @@
 #include "host/command/Svg.hpp"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace vigil {
@@ -54,6 +55,11 @@ std::string xmlText(std::string_view text) {
     std::string to;
     appendXmlText(to, text);
     return to;
+}
+
+std::size_t characters(std::string_view text) {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return !isTail(c); }));
 }
 
 std::string shortened(std::string_view text, std::size_t characters) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,9 @@ namespace vigil {
 /// U+FFFD.
 void appendXmlText(std::string& to, std::string_view text);
 std::string xmlText(std::string_view text);
+
+/// How many characters a text of UTF-8 has.
+std::size_t characters(std::string_view text);
 
 /// The text cut to so many characters, with "…" where something is missing.
 std::string shortened(std::string_view text, std::size_t characters);
