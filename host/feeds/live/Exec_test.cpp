@@ -83,6 +83,15 @@ TEST_F(Exec, AProgramThatIsNotThereIsTriedAgainWithWords) {
     EXPECT_TRUE(late->waitForMessages(1));
 }
 
+TEST_F(Exec, AProgramIsAskedToEndBeforeItIsKilled) {
+    writeScript("polite.sh",
+                "trap 'echo done > tidied; exit 0' TERM\necho up\nwhile :; do sleep 0.05; done\n");
+    const auto sink = add("Home", "exec:./polite.sh");
+    ASSERT_TRUE(sink->waitForMessages(1));
+    feeds().remove("Home");
+    EXPECT_EQ(text("tidied"), "done\n");
+}
+
 TEST_F(Exec, AProgramThatDoesNotHeedTheRequestIsKilledWithWhatItStarted) {
     writeScript("stubborn.sh",
                 "trap '' TERM INT HUP\nsh -c 'trap \"\" TERM; while :; do sleep 0.1; done' &\n"

@@ -148,6 +148,9 @@ TEST(ShiftedReadings, MovesTimesAndDatesAndNothingElse) {
     entries.push_back(AgentProperty::number("a", 1.5, Date(100)));
     entries.push_back(AgentProperty::date("d", Date(50), Date(100)));
     entries.push_back(AgentProperty::text("t", "50", std::nullopt));
+    const auto sunset =
+        std::make_shared<const AgentPropertyLabel>(AgentPropertyLabel{"s", "Sunset", "", kDateType});
+    entries.emplace_back(sunset, AgentProperty::Parts{.value = 60, .unitValue = 60, .stringValue = "18:30"});
     const auto readings = Readings::make(std::move(entries));
     const auto later = shifted(*readings, 1000);
     EXPECT_EQ(later->table(), readings->table());
@@ -155,6 +158,8 @@ TEST(ShiftedReadings, MovesTimesAndDatesAndNothingElse) {
     EXPECT_EQ(later->objectForKey("a")->time(), Date(1100));
     EXPECT_EQ(later->objectForKey("d")->value(), 1050);
     EXPECT_EQ(later->objectForKey("d")->stringValue(), Date(1050).description());
+    EXPECT_EQ(later->objectForKey("s")->stringValue(), Date(1060).description())
+        << "what it was told as is over";
     EXPECT_EQ(later->objectForKey("t")->stringValue(), "50");
     EXPECT_EQ(later->objectForKey("t")->time(), std::nullopt);
     EXPECT_EQ(readings->objectForKey("a")->time(), Date(100)) << "what was published stays as it is";
