@@ -6,7 +6,7 @@ namespace vigil {
 namespace {
 
 SiteStatus sample() {
-    SiteStatus status{.site = "/home/me/home.vigilsite", .version = "1.2.3", .pid = 7};
+    SiteStatus status{.site = "/srv/home.vigilsite", .version = "1.2.3", .pid = 7};
     status.since = Date(100);
     status.now = Date(200.5);
     status.problems = {"the disk is full"};
