@@ -208,6 +208,31 @@ TEST_F(Running, WhatIsChangedInTheFileIsTakenOverAndTheRestGoesOn) {
     end();
 }
 
+TEST_F(Running, OneThatIsChangedBeginsAnewAndKeepsItsWait) {
+    const RecordId id = add("Changed", archive("windSpeed.unitValue > -1", 60, "note.sh old"));
+    start();
+    serveUntil([&] { return monitor("Changed").lastResult == "succeeded"; });
+    const auto until = monitor("Changed").waitsUntil;
+    ASSERT_TRUE(until);
+    {
+        auto editing = SiteFile::open(m_path, Access::Edit);
+        ASSERT_TRUE(editing) << editing.error().message;
+        auto record = *editing.value()->plugInTitled("Changed").value();
+        EXPECT_EQ(record.id, id);
+        record.archive = archive("windSpeed.unitValue > -2", 60, "note.sh new");
+        ASSERT_TRUE(editing.value()->editPlugIn(record));
+    }
+    m_site->reload();
+    EXPECT_EQ(monitor("Changed").condition, "windSpeed.unitValue > -2");
+    EXPECT_EQ(monitor("Changed").waitsUntil, until);
+    serveUntil([&] { return monitor("Changed").waiting > 2; });
+    EXPECT_EQ(fileText(m_folder.path() + "/noted"), "old\n");
+    end();
+    open();
+    const auto record = m_file->plugInTitled("Changed").value();
+    EXPECT_THAT(record->archive, HasSubstr("windSpeed.unitValue > -2"));
+}
+
 TEST_F(Running, TheHistoryKnowsNotificationsFiresAndWhoWatched) {
     const RecordId id = add("Always", archive("windSpeed.unitValue > -1", 60, "note.sh"));
     start();
