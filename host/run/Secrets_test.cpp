@@ -28,7 +28,7 @@ TEST_F(SecretsFile, ANameHasTheValueBehindItsEqualsSign) {
 }
 
 TEST_F(SecretsFile, OneThatOthersMayReadIsRefused) {
-    for (const mode_t mode : {0640, 0604, 0620}) {
+    for (const mode_t mode : {mode_t{0640}, mode_t{0604}, mode_t{0620}}) {
         const auto secret = write("broker = x\n", mode).named("broker");
         ASSERT_FALSE(secret) << std::oct << mode;
         EXPECT_THAT(secret.error().message, HasSubstr("chmod 600"));
