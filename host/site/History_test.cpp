@@ -132,7 +132,8 @@ TEST_F(History, RemembersFiresWatchesAndArchives) {
     EXPECT_EQ(watches[0].to, kStart.plus(50));
     EXPECT_EQ(watches[0].ended, WatchReason::Switched);
     std::vector<std::string> archives;
-    for (const auto& archive : from->archives(kFrost).value())
+    const auto kept = from->archives(kFrost).value();
+    for (const auto& archive : kept)
         archives.push_back(archive.archive);
     EXPECT_THAT(archives, ElementsAre("first", "second", "third"));
     ASSERT_EQ(from->plugIns().value().size(), 1U);

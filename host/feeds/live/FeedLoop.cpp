@@ -120,8 +120,9 @@ std::vector<std::uint64_t> FeedLoop::due(Lock& lock) {
     lock.lock();
     std::vector<std::uint64_t> found;
     for (int i = 0; i < count; ++i) {
-        if (events[i].data.u64 != kWakeUp) {
-            found.push_back(events[i].data.u64);
+        const std::uint64_t which = events[i].data.u64;  // a copy: the structure is packed
+        if (which != kWakeUp) {
+            found.push_back(which);
             continue;
         }
         std::uint64_t times = 0;
