@@ -147,6 +147,10 @@ class SiteFile {
     /// The highest id that a fire or effect of this file has ever had.
     Result<RecordId> highestId() const;
 
+    /// Tells this site from every other one, also from one that is made in its place. Copies and what is
+    /// imported from them have their original's.
+    Result<std::string> identity() const;
+
   private:
     SiteFile(std::string path, Access access, std::unique_ptr<SiteLock> lock,
              std::unique_ptr<SiteDatabase> database, bool wasChecked, long runner);

@@ -159,4 +159,12 @@ Result<RecordId> SiteFile::highestId() const {
                            [&] { return RecordId{m_database->sql().execAndGet(kHighestId).getInt64()}; });
 }
 
+Result<std::string> SiteFile::identity() const {
+    return asked<std::string>(m_path, [&] {
+        return m_database->sql()
+            .execAndGet("SELECT value FROM metaTexts WHERE name = 'identity'")
+            .getString();
+    });
+}
+
 }  // namespace vigil

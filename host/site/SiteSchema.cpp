@@ -13,6 +13,11 @@ CREATE TABLE meta (
     value INTEGER NOT NULL
 ) STRICT, WITHOUT ROWID;
 
+CREATE TABLE metaTexts (
+    name TEXT NOT NULL PRIMARY KEY,
+    value TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+
 CREATE TABLE stations (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     name TEXT NOT NULL UNIQUE CHECK (name <> ''),
@@ -68,6 +73,7 @@ SELECT
 FROM effects;
 
 INSERT INTO meta (name, value) VALUES ('clean', 1), ('highestId', 0);
+INSERT INTO metaTexts (name, value) VALUES ('identity', lower(hex(randomblob(16))));
 )sql";
 
 void setVersion(SQLite::Database& database, int version) {
