@@ -86,7 +86,8 @@ std::size_t jsonDepth(std::string_view text) {
 Result<std::vector<std::string>, SiteError> checkSite(const std::string& path, const SiteProgress& progress) {
     if (auto opened = SiteFile::open(path, Access::Read); !opened) {
         if (opened.error().kind != SiteError::Kind::Damaged) return opened.error();
-        return Findings{opened.error().message};
+        return Findings{path + ": the site is damaged (" + opened.error().found +
+                        "); `vigil site import COPY --force` brings a copy back"};
     }
     Findings findings;
     look(findings, [&] {

@@ -101,6 +101,20 @@ TEST_F(SiteChecks, aCheckFindsDamagedPages) {
     EXPECT_FALSE(checkSite(at("home")).value().empty());
 }
 
+TEST_F(SiteChecks, aSiteThatCannotBeOpenedForItsDamageSaysWhatItIsAndNotToLookAgain) {
+    golden();
+    std::fstream file(at("home"), std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(100);
+    file.write(std::string(3996, '\xAA').data(), 3996);
+    file.close();
+    const auto found = checkSite(at("home"));
+    ASSERT_TRUE(found) << found.error().message;
+    ASSERT_EQ(found.value().size(), 1U);
+    EXPECT_THAT(found.value()[0], StartsWith(at("home") + ": the site is damaged ("));
+    EXPECT_THAT(found.value()[0], HasSubstr("import COPY --force"));
+    EXPECT_THAT(found.value()[0], testing::Not(HasSubstr("vigil site check")));
+}
+
 TEST(JsonDepth, countsListsAndObjectsOutsideOfTexts) {
     EXPECT_EQ(jsonDepth(""), 0U);
     EXPECT_EQ(jsonDepth("1"), 0U);

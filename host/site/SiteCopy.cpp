@@ -43,7 +43,7 @@ Result<Done> exportSite(const std::string& site, const std::string& to, bool rep
     if (const auto opened = SiteFile::open(site, Access::Read); !opened) return Error{opened.error().message};
     const FreshFile fresh(to);
     if (auto made = fresh.make(); !made) return made;
-    if (auto copied = copyDatabase(site, fresh.path(), progress); !copied) return copied;
+    if (auto copied = copyDatabase(site, fresh.path(), progress); !copied) return fresh.told(copied.error());
     const auto marked = asked<Done>(to, [&] {
         // A copy is whole, however its original was closed.
         SQLite::Database copy(fresh.path(), SQLite::OPEN_READWRITE);

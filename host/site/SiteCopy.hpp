@@ -25,6 +25,9 @@ Result<Done> exportSite(const std::string& site, const std::string& to, bool rep
 Result<Done> exportSiteLines(const std::string& site, const LineSink& sink,
                              const SiteProgress& progress = {});
 
+/// Behind the name of a file that is in the way.
+inline constexpr const char* kIsThere = "is there already, and was left as it is";
+
 /// What a copy brought.
 struct Imported {
     enum class Form { Database, Lines, Monitors };

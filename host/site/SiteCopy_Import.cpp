@@ -1,3 +1,5 @@
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -28,10 +30,12 @@ constexpr std::string_view kDatabaseMark("SQLite format 3\0", 16);
 constexpr std::size_t kMostMonitorsBytes = std::size_t{256} << 20;
 
 Result<Form> formOf(const std::string& from) {
+    errno = 0;
     std::ifstream file(from, std::ios::binary);
     std::string head(kDatabaseMark.size(), '\0');
     if (!file.read(head.data(), static_cast<std::streamsize>(head.size())) && !file.eof())
-        return Error{from + ": could not be read"};
+        return Error{from + ": could not be read" +
+                     (errno != 0 ? std::string(": ") + std::strerror(errno) : "")};
     if (head == kDatabaseMark) return Form::Database;
     file.clear();
     file.seekg(0);
@@ -143,6 +147,16 @@ void settle(const std::string& site) {
         fs::remove(site + part);
 }
 
+Result<Done> place(const std::string& from, const std::string& site, bool there, Imported& imported,
+                   const SiteProgress& progress) {
+    const FreshFile fresh(site);
+    if (auto made = fresh.make(); !made) return made;
+    if (auto filled = fill(from, site, fresh, imported, progress); !filled) return fresh.told(filled.error());
+    if (auto checked = checkFresh(from, fresh, imported, progress); !checked) return checked;
+    if (there) settle(site);
+    return fresh.takePlace(/*ofAnother=*/there);
+}
+
 }  // namespace
 
 Result<Imported> importSite(const std::string& from, const std::string& site, bool replace,
@@ -153,17 +167,14 @@ Result<Imported> importSite(const std::string& from, const std::string& site, bo
     const bool adds = imported.form == Form::Monitors;
     std::error_code unknown;
     const bool there = fs::exists(site, unknown);
-    if (there && !adds && !replace) return Error{site + ": is there already, and was left as it is"};
+    if (there && !adds && !replace) return Error{site + ": " + kIsThere};
     if (auto made = makeFolderOf(site); !made) return made.error();
     const auto lock = SiteLock::take(site);
     if (!lock) return Error{lock.error().message};
-    const FreshFile fresh(site);
-    if (auto made = fresh.make(); !made) return made.error();
-    if (auto filled = fill(from, site, fresh, imported, progress); !filled) return filled.error();
-    if (auto checked = checkFresh(from, fresh, imported, progress); !checked) return checked.error();
-    if (there) settle(site);
-    if (auto placed = fresh.takePlace(/*ofAnother=*/there); !placed) return placed.error();
-    return imported;
+    const auto placed = place(from, site, there, imported, progress);
+    if (placed) return imported;
+    if (!there) SiteLock::discard(site);
+    return placed.error();
 }
 
 }  // namespace vigil

@@ -100,8 +100,13 @@ TEST_F(SiteImports, whatCannotBeReadIsNamedWithItsLineAndTheOldSiteStays) {
         EXPECT_THAT(message, StartsWith(at("lines") + ": "));
         return message.substr(std::min(message.size(), at("lines").size() + 2));
     };
-    EXPECT_THAT(tried(good + "{\"fire\":{\"id\":9}}\n"), StartsWith("line 10: "));
-    EXPECT_THAT(tried(good + "nonsense\n"), StartsWith("line 10: "));
+    EXPECT_EQ(tried(good + "{\"fire\":{\"id\":9}}\n"), "line 10: the fire has no \"plugIn\"");
+    EXPECT_EQ(tried(good + "{\"fire\":7}\n"), "line 10: the fire is no object");
+    EXPECT_EQ(tried(good + "{\"station\":{\"id\":9,\"feed\":\"\"}}\n"),
+              "line 10: the station has no \"name\"");
+    EXPECT_EQ(tried(good + "{\"plugIn\":{\"id\":\"x\",\"archive\":{}}}\n"),
+              "line 10: the monitor has a \"id\" of the wrong kind");
+    EXPECT_EQ(tried(good + "nonsense\n"), "line 10: is not JSON");
     EXPECT_THAT(tried(good + "[]\n"), StartsWith("line 10: expected an object of one row"));
     EXPECT_EQ(tried(good + "{\"song\":{}}\n"), "line 10: \"song\" is no row of a site");
     EXPECT_EQ(tried(good + std::string(5000, '[') + "\n"),
@@ -111,8 +116,21 @@ TEST_F(SiteImports, whatCannotBeReadIsNamedWithItsLineAndTheOldSiteStays) {
     EXPECT_THAT(tried("{\"format\":\"vigil-site\",\"version\":2}\n"), StartsWith("line 1: "));
     EXPECT_THAT(tried("SQLite format 3"), HasSubstr("it is no database"));
     EXPECT_THAT(tried(""), HasSubstr("is neither"));
-    EXPECT_THAT(refusal(importSite(at("nothing"), at("site"), true)), StartsWith(at("nothing")));
+    EXPECT_EQ(refusal(importSite(at("nothing"), at("site"), true)),
+              at("nothing") + ": could not be read: No such file or directory");
     EXPECT_THAT(names(), testing::ElementsAre("home", "lines", "site", "site-lock"));
+}
+
+TEST_F(SiteImports, aFailedImportLeavesNothingBehindAndNamesNoFileOfItsOwn) {
+    m_folder.write("lines", "{\"format\":\"vigil-site\",\"version\":1}\nnonsense\n");
+    refusal(importSite(at("lines"), at("site"), false));
+    EXPECT_THAT(names(), testing::ElementsAre("lines"));
+    const auto made = SiteFile::create(at("lines") + "/site");
+    ASSERT_FALSE(made);
+    EXPECT_THAT(made.error().message, testing::Not(HasSubstr(".new-")));
+    ASSERT_TRUE(SiteFile::create(at("site")));
+    EXPECT_EQ(exportSite(at("site"), at("nowhere/copy"), false).error().message,
+              at("nowhere") + ": No such file or directory");
 }
 
 TEST_F(SiteImports, aDamagedOrForeignDatabaseIsNoCopy) {

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "host/site/FileOwner.hpp"
 #include "host/site/SiteDatabase.hpp"
 #include "host/site/SiteLock.hpp"
 #include "host/site/SiteSchema.hpp"
@@ -21,10 +22,11 @@ SiteError refusal(SiteError::Kind kind, const std::string& path, const std::stri
 }
 
 SiteError damaged(const std::string& path, const std::string& found) {
-    return refusal(
-        SiteError::Kind::Damaged, path,
-        "the site is damaged (" + found +
-            "); `vigil site check` lists what, `vigil site import COPY --force` brings a copy back");
+    return {
+        .kind = SiteError::Kind::Damaged,
+        .message = path + ": the site is damaged (" + found +
+                   "); `vigil site check` lists what, `vigil site import COPY --force` brings a copy back",
+        .found = found};
 }
 
 SiteError notASite(const std::string& path) {
@@ -69,6 +71,8 @@ Opened SiteFile::open(const std::string& path, Access access, const SiteSchema& 
     if (!fs::exists(path, unknown) && !unknown)
         return refusal(SiteError::Kind::NotThere, path,
                        "there is no such site; `vigil site create` makes one");
+    if (const auto reason = notAllowed(path, access != Access::Read))
+        return refusal(SiteError::Kind::Environment, path, *reason);
     std::unique_ptr<SiteLock> lock;
     long runner = 0;
     if (access != Access::Read) {

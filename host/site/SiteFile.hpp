@@ -31,6 +31,7 @@ struct SiteError {
 
     Kind kind = Kind::Environment;
     std::string message{};
+    std::string found{};  ///< of Damaged: what of it was found first
 };
 
 /// What an open file is for. Any number of processes may read and edit a site while one holds it.

@@ -23,7 +23,7 @@ Result<Done> SiteFile::create(const std::string& path) {
         createTables(database, SiteSchema::current());
         return Done{};
     });
-    if (!written) return written;
+    if (!written) return fresh.told(written.error());
     return fresh.takePlace(/*ofAnother=*/false);
 }
 

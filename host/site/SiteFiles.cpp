@@ -56,13 +56,18 @@ FreshFile::~FreshFile() {
 Result<Done> FreshFile::make() const {
     removeDatabase(m_fresh);
     const int descriptor = ::open(m_fresh.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (descriptor < 0) return failed(m_fresh, errno);
+    if (descriptor < 0) return failed(folderOf(m_path), errno);
     ::close(descriptor);
     return Done{};
 }
 
+Error FreshFile::told(const Error& error) const {
+    if (!error.message.starts_with(m_fresh + ": ")) return error;
+    return {m_path + error.message.substr(m_fresh.size())};
+}
+
 Result<Done> FreshFile::takePlace(bool ofAnother) const {
-    if (auto synced = syncFile(m_fresh, O_RDWR); !synced) return synced;
+    if (auto synced = syncFile(m_fresh, O_RDWR); !synced) return told(synced.error());
     const unsigned flags = ofAnother ? 0U : static_cast<unsigned>(RENAME_NOREPLACE);
     int outcome = ::renameat2(AT_FDCWD, m_fresh.c_str(), AT_FDCWD, m_path.c_str(), flags);
     // Some disks cannot promise to replace nothing; a link can, since it fails where the name is taken.

@@ -20,11 +20,14 @@ class FreshFile {
 
     /// Where it is until then; what lies there from before goes.
     const std::string& path() const { return m_fresh; }
-    /// An empty file for its user alone.
+    /// An empty file for its user alone. An error names the folder that does not take it.
     Result<Done> make() const;
     /// Renames it, and waits until that is on the disk. Where a file stands already, that is an error unless
     /// it may be replaced.
     Result<Done> takePlace(bool ofAnother) const;
+
+    /// An error that names it, as one of the file whose place it is to take.
+    Error told(const Error& error) const;
 
   private:
     std::string m_path;

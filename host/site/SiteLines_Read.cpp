@@ -18,56 +18,72 @@ using Json = nlohmann::ordered_json;
 /// A line's own wrappings around an archive.
 constexpr std::size_t kMostLineDepth = kMostJsonDepth + 2;
 
-// These throw what the JSON library throws where a member is missing or of another kind.
+/// What is wrong with a row, as the rest of a sentence about it: "has no \"name\"".
+struct RowMistake {
+    std::string says;
+};
+
+/// A member of a row; throws a `RowMistake` where it is missing or of another kind.
+template <class T>
+T taken(const Json& json, const char* member) {
+    if (!json.is_object()) throw RowMistake{"is no object"};
+    const auto found = json.find(member);
+    if (found == json.end()) throw RowMistake{"has no \"" + std::string(member) + "\""};
+    try {
+        return found->template get<T>();
+    } catch (const Json::exception&) {
+        throw RowMistake{"has a \"" + std::string(member) + "\" of the wrong kind"};
+    }
+}
 
 std::optional<Date> dateOf(const Json& json, const char* member) {
     const auto found = json.find(member);
-    return found == json.end() ? std::nullopt : std::optional(Date(found->get<double>()));
+    return found == json.end() ? std::nullopt : std::optional(Date(taken<double>(json, member)));
 }
 
 StationRecord stationOf(const Json& json) {
-    return {.id = json.at("id").get<RecordId>(),
-            .name = json.at("name").get<std::string>(),
-            .feed = json.at("feed").get<std::string>(),
-            .usUnits = json.at("usUnits").get<bool>(),
-            .units = json.at("units").get<std::vector<std::pair<std::string, std::string>>>(),
-            .rolling = json.at("rolling").get<std::vector<std::string>>()};
+    return {.id = taken<RecordId>(json, "id"),
+            .name = taken<std::string>(json, "name"),
+            .feed = taken<std::string>(json, "feed"),
+            .usUnits = taken<bool>(json, "usUnits"),
+            .units = taken<std::vector<std::pair<std::string, std::string>>>(json, "units"),
+            .rolling = taken<std::vector<std::string>>(json, "rolling")};
 }
 
 PlugInRecord plugInOf(const Json& json) {
-    const Json& archive = json.at("archive");
-    return {.id = json.at("id").get<RecordId>(),
-            .station = json.at("station").get<RecordId>(),
-            .className = json.at("className").get<std::string>(),
-            .title = json.at("title").get<std::string>(),
+    const Json archive = taken<Json>(json, "archive");
+    return {.id = taken<RecordId>(json, "id"),
+            .station = taken<RecordId>(json, "station"),
+            .className = taken<std::string>(json, "className"),
+            .title = taken<std::string>(json, "title"),
             .archive = archive.is_string() ? archive.get<std::string>() : archive.dump(2),
-            .edition = json.at("edition").get<std::int64_t>()};
+            .edition = taken<std::int64_t>(json, "edition")};
 }
 
 FireRecord fireOf(const Json& json) {
-    return {.id = json.at("id").get<RecordId>(),
-            .plugIn = json.at("plugIn").get<RecordId>(),
-            .time = Date(json.at("time").get<double>()),
-            .completed = json.at("completed").get<bool>()};
+    return {.id = taken<RecordId>(json, "id"),
+            .plugIn = taken<RecordId>(json, "plugIn"),
+            .time = Date(taken<double>(json, "time")),
+            .completed = taken<bool>(json, "completed")};
 }
 
 Result<EffectRecord> effectOf(const Json& json) {
-    const auto kind = effectKind(json.at("kind").get<std::string>());
-    const auto state = effectState(json.at("state").get<std::string>());
+    const auto kind = effectKind(taken<std::string>(json, "kind"));
+    const auto state = effectState(taken<std::string>(json, "state"));
     if (!kind || !state) return Error{"an effect of an unknown kind or state"};
-    return EffectRecord{.id = json.at("id").get<RecordId>(),
-                        .fire = json.value("fire", RecordId{0}),
-                        .plugIn = json.value("plugIn", RecordId{0}),
-                        .station = json.at("station").get<std::string>(),
-                        .title = json.at("title").get<std::string>(),
+    return EffectRecord{.id = taken<RecordId>(json, "id"),
+                        .fire = json.contains("fire") ? taken<RecordId>(json, "fire") : 0,
+                        .plugIn = json.contains("plugIn") ? taken<RecordId>(json, "plugIn") : 0,
+                        .station = taken<std::string>(json, "station"),
+                        .title = taken<std::string>(json, "title"),
                         .kind = *kind,
-                        .what = json.at("what").get<std::string>(),
+                        .what = taken<std::string>(json, "what"),
                         .state = *state,
-                        .queued = Date(json.at("queued").get<double>()),
+                        .queued = Date(taken<double>(json, "queued")),
                         .started = dateOf(json, "started"),
                         .ended = dateOf(json, "ended"),
-                        .result = json.at("result").get<std::string>(),
-                        .detail = json.at("detail").get<std::string>()};
+                        .result = taken<std::string>(json, "result"),
+                        .detail = taken<std::string>(json, "detail")};
 }
 
 class Rows {
@@ -108,17 +124,27 @@ class Rows {
     SQLite::Statement m_station, m_plugIn, m_fire, m_effect;
 };
 
+/// What people call a row.
+std::string wordOf(const std::string& member) {
+    if (member == "plugIn") return "monitor";
+    return member == "effect" ? "action" : member;
+}
+
 Result<Done> insertLine(Rows& rows, const std::string& line) {
     if (jsonDepth(line) > kMostLineDepth) return Error{"lists inside lists, deeper than any archive"};
+    const Json json = Json::parse(line, nullptr, /*allow_exceptions=*/false);
+    if (json.is_discarded()) return Error{"is not JSON"};
+    if (!json.is_object() || json.size() != 1) return Error{"expected an object of one row"};
+    const std::string& member = json.begin().key();
     try {
-        const Json json = Json::parse(line);
-        if (!json.is_object() || json.size() != 1) return Error{"expected an object of one row"};
-        return rows.insert(json.begin().key(), json.begin().value());
-    } catch (const Json::exception& failure) {
-        return Error{failure.what()};
+        return rows.insert(member, json.begin().value());
+    } catch (const RowMistake& mistake) {
+        return Error{"the " + wordOf(member) + " " + mistake.says};
     } catch (const SQLite::Exception& failure) {
         if (!isAboutTheRow(failure)) throw;
-        return Error{failure.what()};
+        const std::string says = isAboutUniqueness(failure) ? "has an id or a name that another one has"
+                                                            : "does not belong to the rows before it";
+        return Error{"the " + wordOf(member) + " " + says + " (" + failure.what() + ")"};
     }
 }
 

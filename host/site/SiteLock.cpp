@@ -63,6 +63,10 @@ SiteLock::~SiteLock() {
     ::close(m_descriptor);
 }
 
+void SiteLock::discard(const std::string& site) {
+    ::unlink(lockPath(site).c_str());
+}
+
 long SiteLock::holder(const std::string& site) {
     const int descriptor = ::open(lockPath(site).c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) return 0;

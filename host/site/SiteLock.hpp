@@ -20,6 +20,9 @@ class SiteLock {
     SiteLock& operator=(const SiteLock&) = delete;
     ~SiteLock();
 
+    /// Takes the lock's file away: of a site that has not come about, while the lock is held.
+    static void discard(const std::string& site);
+
     /// The process that runs the site, 0 where none does, as far as the file beside it can be read.
     static long holder(const std::string& site);
 
