@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "host/readings/Derived.hpp"
 #include "host/readings/StationReadings_State.hpp"
 #include "host/readings/Units.hpp"
+#include "platform/Number.hpp"
 
 namespace vigil {
 namespace {
@@ -12,6 +14,13 @@ namespace {
 std::optional<Date> latest(const AgentProperty& one, const AgentProperty* other) {
     if (!other) return one.time();
     return std::max(one.time(), other->time());  // nothing is less than any time
+}
+
+/// A formula gives more digits than its inputs had, and people want to read one; "-0" is no number for them.
+std::string roundedText(double value) {
+    constexpr double kParts = 10;
+    const double rounded = std::round(value * kParts) / kParts;
+    return numberText(rounded == 0 ? 0.0 : rounded);
 }
 
 }  // namespace
@@ -45,8 +54,12 @@ void StationReadings::State::putDerived(std::size_t& index, std::string_view key
     table.settleUnits(*entry, Unit::None, {});
     if (!entry->bounds.hold(value)) return;  // of inputs that their sender alone has judged
     const auto& label = table.label(*entry, {}, unitText(entry->shown), kNumericType, true);
-    put(*entry,
-        {label, {.value = value, .unitValue = *convert(value, entry->held, entry->shown), .time = time}});
+    const double unitValue = *convert(value, entry->held, entry->shown);
+    put(*entry, {label,
+                 {.value = value,
+                  .unitValue = unitValue,
+                  .time = time,
+                  .unitStringValueWithUnitShort = roundedText(unitValue) + " " + label->unit}});
 }
 
 void StationReadings::State::derive() {

@@ -26,6 +26,7 @@ TEST_F(StationDerived, followFromWhatTheStationSends) {
     EXPECT_DOUBLE_EQ(cold->objectForKey("windChill")->value(), windChill(-5, 10));
     EXPECT_NEAR(cold->objectForKey("windChill")->unitValue(), windChill(-5, 10) * 1.8 + 32, 1e-9);
     EXPECT_EQ(cold->objectForKey("windChill")->unit(), "°F");
+    EXPECT_EQ(cold->objectForKey("windChill")->unitStringValueWithUnitShort(), "7.4 °F") << "of 7.38…";
     EXPECT_EQ(cold->objectForKey("windChill")->name(), "Wind Chill");
     EXPECT_EQ(cold->objectForKey("windChill")->time(), Date(m_now));
     EXPECT_DOUBLE_EQ(cold->objectForKey("dewPoint")->value(), dewPoint(-5, 80));

@@ -61,7 +61,7 @@ FeedLoop::Time ExecFeed::begin(Time now) {
     if (std::exchange(m_startedBefore, true)) m_outlet->restarted();
     m_started = now;
     m_live = m_paused = false;
-    m_lastErrors.clear();
+    m_lastError.clear();
     m_lines.clear();
     m_errorLines.clear();
     auto started = ChildProcess::start(m_plan);
@@ -99,12 +99,7 @@ FeedLoop::Time ExecFeed::hasEnded(const std::string& how, Time now) {
     readErrors();
     m_errorLines.finish();
     std::string why = "\"" + m_plan.words.front() + "\" " + how;
-    if (!m_lastErrors.empty()) {
-        why += " (";
-        for (const std::string& line : m_lastErrors)
-            why += (&line == &m_lastErrors.front() ? "" : " / ") + line;
-        why += ")";
-    }
+    if (!m_lastError.empty()) why += " (" + m_lastError + ")";
     m_loop.unwatch(m_child->output());
     m_loop.unwatch(m_child->errors());
     m_loop.unwatch(m_child->process());
@@ -114,7 +109,8 @@ FeedLoop::Time ExecFeed::hasEnded(const std::string& how, Time now) {
 
 FeedLoop::Time ExecFeed::tryLater(const std::string& why, Time now) {
     const auto pause = m_backOff.failedAfter(now - m_started);
-    m_outlet->state(FeedState::Retrying, why + "; started again in " + inWords(pause));
+    // Without the pause: the same words are told once, not again at each try.
+    m_outlet->state(FeedState::Retrying, why + "; started again, later each time");
     m_next = now + pause;
     return m_next;
 }
@@ -145,8 +141,11 @@ void ExecFeed::readErrors() {
 }
 
 bool ExecFeed::keepError(std::string_view line) {
-    if (m_lastErrors.size() == kErrorLines) m_lastErrors.pop_front();
-    m_lastErrors.push_back(repairedUtf8(line.substr(0, kErrorBytes)));
+    if (line.find_first_not_of(" \t\r") == std::string_view::npos) return true;
+    std::size_t length = std::min(line.size(), kErrorBytes);
+    while (length < line.size() && length > 0 && (static_cast<unsigned char>(line[length]) & 0xC0U) == 0x80U)
+        --length;  // between two characters
+    m_lastError = repairedUtf8(line.substr(0, length));
     return true;
 }
 

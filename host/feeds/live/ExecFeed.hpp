@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -27,8 +26,7 @@ class ExecFeed final : public Feed, private FeedLoop::Member {
     ~ExecFeed() override;
     void askToEnd() override;
 
-    static constexpr std::size_t kErrorLines = 3;    ///< so many last lines of standard error are kept
-    static constexpr std::size_t kErrorBytes = 300;  ///< of each so many bytes
+    static constexpr std::size_t kErrorBytes = 120;  ///< of the last line of standard error
     static constexpr int kChunksATurn = 16;          ///< so much is read before others have their turn
 
   private:
@@ -62,7 +60,7 @@ class ExecFeed final : public Feed, private FeedLoop::Member {
     std::optional<ChildProcess> m_child;
     LineCutter m_lines{[this](std::string_view line) { return bring(line); }, [this] { tellTooLong(); }};
     LineCutter m_errorLines{[this](std::string_view line) { return keepError(line); }, [] {}};
-    std::deque<std::string> m_lastErrors;
+    std::string m_lastError;
     Time m_started{}, m_next{}, m_killAt = FeedLoop::kNever;
     bool m_startedBefore = false, m_live = false, m_paused = false, m_told = false;
 };

@@ -37,18 +37,25 @@ void FeedOutlet::leftOut(LeftOut kind, const std::string& words) {
         ++told.since;
         return;
     }
-    const std::string more =
-        told.since == 0 ? ""
-                        : " (and " + std::to_string(told.since) + " more of the kind since the last time)";
-    told = {now, 0};
+    const std::string more = told.since == 0 ? "" : " (and " + std::to_string(told.since) + " more like it)";
+    told = {now, 0, words};
     m_options.sink->problem(words + more);
 }
 
 void FeedOutlet::state(FeedState::Kind kind, std::string words) {
     const std::lock_guard lock(m_mutex);
     if (!m_options.sink || (m_last && m_last->kind == kind && m_last->words == words)) return;
+    if (kind == FeedState::Ended) tellRest();
     m_last = FeedState{kind, std::move(words), m_options.clock()};
     m_options.sink->state(*m_last);
+}
+
+void FeedOutlet::tellRest() {
+    for (Told& told : m_told) {
+        if (told.since > 0)
+            m_options.sink->problem(told.last + " (and " + std::to_string(told.since) + " more like it)");
+        told.since = 0;
+    }
 }
 
 bool FeedOutlet::wantsPause() const {

@@ -54,11 +54,14 @@ class FeedOutlet {
 
   private:
     void bring(RawMessage message);
+    /// Of a feed that is over: how many more there were of what was told.
+    void tellRest();
 
     using Steady = std::chrono::steady_clock;
     struct Told {
         std::optional<Steady::time_point> at{};
         std::uint64_t since = 0;  // so many were not told
+        std::string last{};       // the words that were
     };
 
     Options m_options;

@@ -45,9 +45,18 @@ TEST_F(FeedOutletTest, ManyProblemsOfAKindAreToldOnceInAWhileAndAllCounted) {
     sleepFor(120);
     outlet.leftOut(LeftOut::TooLong, "long");
     ASSERT_EQ(sink->problems().size(), 3U);
-    EXPECT_EQ(sink->problems()[2], "long (and 9 more of the kind since the last time)");
+    EXPECT_EQ(sink->problems()[2], "long (and 9 more like it)");
     EXPECT_EQ(outlet.counts().leftOut, 11U);
     EXPECT_EQ(outlet.counts().unclaimed, 1U);
+}
+
+TEST_F(FeedOutletTest, WhatWasHeldBackIsToldWhenTheFeedIsOver) {
+    for (int i = 0; i < 3; ++i)
+        outlet.leftOut(FeedOutlet::LeftOut::Unusable, "line 4: a bad row");
+    EXPECT_EQ(sink->problems().size(), 1U);
+    outlet.state(FeedState::Ended);
+    ASSERT_EQ(sink->problems().size(), 2U);
+    EXPECT_EQ(sink->problems()[1], "line 4: a bad row (and 2 more like it)");
 }
 
 TEST_F(FeedOutletTest, AClosedOneReachesNobodyAndLetsTheSinkGo) {

@@ -66,7 +66,9 @@ bool RecordedFeed::takeNext() {
     }
     m_over = true;
     if (next)
-        m_outlet->state(FeedState::Ended, std::to_string(m_brought) + " notifications, no more");
+        m_outlet->state(
+            FeedState::Ended,
+            std::to_string(m_brought) + (m_brought == 1 ? " notification" : " notifications") + ", no more");
     else
         m_outlet->state(FeedState::Failed, next.error().message);
     m_source.reset();
