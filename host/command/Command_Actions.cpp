@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/command/Commands.hpp"
+#include "host/command/Printable.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/run/EffectLedger.hpp"
 #include "host/services/SystemClock.hpp"
@@ -56,9 +57,10 @@ std::string jsonLine(const EffectRecord& effect) {
 
 void print(const EffectRecord& effect, Output& output) {
     output.print("{}  {}{}  {} \"{}\"  {}{}\n", localText(effect.queued),
-                 effect.title.empty() ? "?" : effect.title, effect.fire == 0 ? " (test)" : "",
-                 effectKindName(effect.kind), effect.what, isFailure(effect) ? "! " : "", stateText(effect));
-    std::string detail = effect.detail;
+                 effect.title.empty() ? "?" : printable(effect.title), effect.fire == 0 ? " (test)" : "",
+                 effectKindName(effect.kind), printable(effect.what), isFailure(effect) ? "! " : "",
+                 stateText(effect));
+    const std::string detail = printable(effect.detail, /*lines=*/true);
     for (std::size_t begin = 0; begin < detail.size();) {
         const std::size_t end = std::min(detail.find('\n', begin), detail.size());
         output.print("    {}\n", detail.substr(begin, end - begin));
@@ -66,8 +68,23 @@ void print(const EffectRecord& effect, Output& output) {
     }
 }
 
+/// Whether there is such a monitor and station, where one was named.
+bool isKnown(const SiteFile& file, const ActionsOptions& options, CommandContext& context) {
+    const auto unknown = [&](const char* what, const std::string& name) {
+        context.output.error(std::string("no ") + what + " is called \"" + name + "\" in " + file.path());
+        context.status = ExitStatus::BadInput;
+        return false;
+    };
+    const auto plugIn = file.plugInTitled(options.monitor);
+    if (!options.monitor.empty() && plugIn && !plugIn.value()) return unknown("monitor", options.monitor);
+    const auto station = file.stationNamed(options.station);
+    if (!options.station.empty() && station && !station.value()) return unknown("station", options.station);
+    return true;
+}
+
 void list(const ActionsOptions& options, CommandContext& context) {
     EffectQuery query{.limit = options.limit};
+    query.failed = options.failed;
     if (!options.monitor.empty()) query.title = options.monitor;
     if (!options.station.empty()) query.station = options.station;
     if (!options.since.empty()) {
@@ -87,16 +104,17 @@ void list(const ActionsOptions& options, CommandContext& context) {
         context.status = ExitStatus::Environment;
         return;
     }
+    if (effects.value().empty() && !isKnown(*file, options, context)) return;
     bool any = false;
     for (const EffectRecord& effect : effects.value()) {
         any = any || isFailure(effect);
-        if (options.failed && !isFailure(effect)) continue;
         if (options.json)
             context.output.write(jsonLine(effect));
         else
             print(effect, context.output);
     }
-    if (effects.value().empty() && !options.json) context.output.write("Nothing has been done yet.\n");
+    if (effects.value().empty() && !options.json)
+        context.output.write(options.failed ? "Nothing has failed.\n" : "Nothing has been done yet.\n");
     if (any) context.status = ExitStatus::No;
 }
 
@@ -110,7 +128,9 @@ void addActionsCommand(CLI::App& app, CommandContext& context) {
     command->add_option("--station", options->station, "Of this station only")->type_name("NAME");
     command->add_option("--since", options->since, "From this time on, as 2026-11-21T10:00:00Z")
         ->type_name("TIME");
-    command->add_option("--limit", options->limit, "The newest so many (100)")->type_name("N");
+    command->add_option("--limit", options->limit, "The newest so many (100)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000000));
     command->add_flag("--failed", options->failed, "Only what did not do what it should");
     command->add_flag("--json", options->json, "One JSON object a line");
     command->footer(

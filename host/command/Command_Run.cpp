@@ -5,6 +5,7 @@
 #include <string>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 #include <signal.h>
 #include <unistd.h>
 
@@ -38,20 +39,29 @@ struct RunOptions {
 constexpr auto kTick = std::chrono::seconds(1);
 /// Whoever asks how things are is not kept waiting longer by a busy main thread.
 constexpr auto kStatusPatience = std::chrono::seconds(2);
+constexpr auto kSlice = std::chrono::milliseconds(20);
 
 /// The site with everything around it that makes it a service.
 class Service {
   public:
-    Service(RunningSite& site, QRVLog& log) : m_site(site), m_log(log) {}
+    Service(RunningSite& site, QRVLog& log, ServiceManager& manager)
+        : m_site(site), m_log(log), m_manager(manager) {}
 
     /// Any thread but the main one.
     Result<SiteStatus> status() {
-        auto promise = std::make_shared<std::promise<SiteStatus>>();
+        auto promise = std::make_shared<std::promise<Result<SiteStatus>>>();
         auto answer = promise->get_future();
-        const bool posted =
-            m_site.mailbox().dispatchAsync([this, promise] { promise->set_value(m_site.status()); });
-        if (posted && answer.wait_for(kStatusPatience) == std::future_status::ready) return answer.get();
-        return Error{"the main thread does not answer"};
+        const bool posted = m_site.mailbox().dispatchAsync([this, promise] {
+            try {
+                promise->set_value(m_site.status());
+            } catch (const std::exception& failure) {
+                promise->set_value(Error{std::string("the status cannot be told: ") + failure.what()});
+            }
+        });
+        const auto end = std::chrono::steady_clock::now() + kStatusPatience;
+        while (posted && !m_stop && std::chrono::steady_clock::now() < end)
+            if (answer.wait_for(kSlice) == std::future_status::ready) return answer.get();
+        return Error{m_stop ? "it is ending" : "its main thread does not answer"};
     }
 
     std::string answer(const std::string& question) {
@@ -61,7 +71,8 @@ class Service {
         }
         if (question != "status") return "{\"error\":\"status and reload are understood\"}\n";
         const auto now = status();
-        return now ? statusJson(now.value()) + "\n" : std::string();
+        return now ? statusJson(now.value()) + "\n"
+                   : nlohmann::json{{"error", now.error().message}}.dump() + "\n";
     }
 
     void came(int signal) {
@@ -79,7 +90,11 @@ class Service {
         m_manager.ready("watching");
         auto alive = Mailbox::Deadline{};
         while (!m_stop) {
-            m_site.mailbox().serveUntil(std::chrono::steady_clock::now() + kTick);
+            const auto until = std::chrono::steady_clock::now() + kTick;
+            while (!m_stop && !m_reload && m_site.mailbox().serveOne(until) &&
+                   std::chrono::steady_clock::now() < until) {
+            }
+            if (m_stop) break;
             if (m_reload.exchange(false)) {
                 m_manager.reloading();
                 m_site.reload();
@@ -100,7 +115,7 @@ class Service {
   private:
     RunningSite& m_site;
     QRVLog& m_log;
-    ServiceManager m_manager;
+    ServiceManager& m_manager;
     std::atomic<bool> m_stop{false};
     std::atomic<bool> m_reload{false};
 };
@@ -128,7 +143,9 @@ void fail(CommandContext& context, const std::string& message) {
 }
 
 void run(const RunOptions& options, CommandContext& context) {
-    Signals signals;  // before any thread
+    // Both before any other thread is there.
+    blockSignals();
+    ServiceManager manager;
     auto file = openSite(options.site, Access::Write, context);
     if (!file) return;
     StandardLog log(stderr, options.logLevel, systemNow, logFormOf(options.logFormat));
@@ -140,7 +157,7 @@ void run(const RunOptions& options, CommandContext& context) {
                                    .history = !options.noHistory,
                                    .secret = secretsOf(log)});
     if (!site) return fail(context, site.error().message);
-    Service service(*site.value(), log);
+    Service service(*site.value(), log, manager);
     std::unique_ptr<HealthPort> health;
     if (options.metricsPort >= 0) {
         auto port = HealthPort::open(static_cast<std::uint16_t>(options.metricsPort),
@@ -153,8 +170,8 @@ void run(const RunOptions& options, CommandContext& context) {
     auto socket =
         SiteSocket::open(file->path(), [&](const std::string& question) { return service.answer(question); });
     if (!socket) log.logLevel(kLogProblem, "`vigil status` will not work: " + socket.error().message);
-    if (!options.noHistory) tellGaps(*file, site.value()->unfinished(), log);
-    signals.listen([&](int signal) { service.came(signal); });
+    if (!options.noHistory) tellGaps(*file, *site.value(), log);
+    const Signals signals([&](int signal) { service.came(signal); });
     site.value()->start();
     log.logLevel(kLogNotice, site.value()->startText());
     service.serve();

@@ -73,6 +73,7 @@ TEST_F(SiteCommand, makesAndShowsAStation) {
     const std::string shown =
         "Home (0 monitors, US units)\n"
         "  feed       upload://127.0.0.1:8090/\n"
+        "  reads      temperature in °F, wind in mph, rain in in\n"
         "  unit       windSpeed in kn\n"
         "  rolling    windSpeed mean 10\n"
         "  rolling    outsideTemp below 0\n";
@@ -93,11 +94,13 @@ TEST_F(SiteCommand, editsOfAStationWhatIsNamedAndNothingElse) {
                   .results,
               "House (0 monitors, metric units)\n"
               "  feed       simulated:\n"
+              "  reads      temperature in °C, wind in m/s, rain in mm\n"
               "  unit       barometer in inHg\n"
               "  rolling    rainRate max 60\n");
     EXPECT_EQ(run({"station", "edit", "House", "--no-rolling", "--feed", ""}).results,
               "House (0 monitors, metric units)\n"
               "  feed       none yet\n"
+              "  reads      temperature in °C, wind in m/s, rain in mm\n"
               "  unit       barometer in inHg\n");
 }
 

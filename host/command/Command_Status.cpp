@@ -13,6 +13,7 @@
 #include "host/run/SiteSocket.hpp"
 #include "host/run/StatusJson.hpp"
 #include "host/services/SystemClock.hpp"
+#include "host/site/SiteLock.hpp"
 
 namespace vigil {
 namespace {
@@ -55,10 +56,12 @@ std::optional<SiteStatus> resting(const std::string& path, CommandContext& conte
 std::optional<SiteStatus> look(const StatusOptions& options, CommandContext& context) {
     const std::string path = siteOf(options.site);
     const auto answer = SiteSocket::ask(path, "status");
-    if (!answer) return resting(options.site, context);
-    auto status = statusFromJson(answer.value());
+    const long runner = SiteLock::holder(path);
+    if (!answer && runner == 0) return resting(options.site, context);
+    auto status = answer ? statusFromJson(answer.value()) : Result<SiteStatus>(answer.error());
     if (status) return std::move(status).value();
-    context.output.error(status.error().message);
+    context.output.error("process " + std::to_string(runner) + " runs " + path +
+                         " and does not tell how it is: " + status.error().message);
     context.status = ExitStatus::Environment;
     return std::nullopt;
 }
@@ -70,7 +73,7 @@ bool isWell(const SiteStatus& status) {
 void show(const StatusOptions& options, CommandContext& context) {
     const bool colour = context.output.isTerminal() && !std::getenv("NO_COLOR");
     while (const auto status = look(options, context)) {
-        if (options.watch) context.output.write("\x1b[H\x1b[2J");
+        if (options.watch && context.output.isTerminal()) context.output.write("\x1b[H\x1b[2J");
         if (options.json)
             context.output.write(statusJson(*status) + "\n");
         else

@@ -32,6 +32,19 @@ const char* whyText(WatchReason why) {
     return "the process ended without a word";
 }
 
+/// Whether there is a notification behind the last one that it saw: running a monitor over what it has seen
+/// would cost the more the longer it has run, and tell nothing.
+Result<bool> isAnythingKnown(HistoryReader& reader, RecordId station, const GapReport::Gap& gap) {
+    const auto source = reader.source(station, {gap.from, gap.to});
+    if (!source) return source.error();
+    while (true) {
+        const auto next = source.value()->next();
+        if (!next) return next.error();
+        if (!next.value()) return false;
+        if (next.value()->started > gap.from) return true;
+    }
+}
+
 Result<Done> fillIn(GapReport::Gap& gap, HistoryReader& reader, const StoredPlugIn& monitor,
                     const std::string& station, QRVLog& log, InterfaceFiles& interfaceFiles) {
     MonitorReplay replay(reader, monitor, station, log, interfaceFiles, {.always = true});
@@ -58,6 +71,12 @@ Result<GapReport> gapReport(HistoryReader& reader, const StoredPlugIn& monitor, 
     const bool off = last.ended == WatchReason::Switched;
     if (!last.to || off || now.secondsSince(*last.to) < kShortestGap) return report;
     GapReport::Gap gap{.from = *last.to, .to = now, .why = last.ended.value_or(WatchReason::Unknown)};
+    const auto known = isAnythingKnown(reader, monitor.station, gap);
+    if (!known) return known.error();
+    if (!known.value()) {
+        report.gaps.push_back(std::move(gap));
+        return report;
+    }
     if (const auto filled = fillIn(gap, reader, monitor, station, log, interfaceFiles); !filled)
         return filled.error();
     report.gaps.push_back(std::move(gap));
@@ -90,27 +109,24 @@ std::vector<std::string> gapSentences(const GapReport& report) {
     return said;
 }
 
-void tellGaps(const SiteFile& site, const std::vector<FireRecord>& incomplete, QRVLog& log) {
+void tellGaps(const SiteFile& site, const RunningSite& running, QRVLog& log) {
     const auto reader = HistoryReader::open(site.path());
     const auto stations = site.stations();
-    const auto plugIns = site.plugIns();
-    if (!reader || !stations || !plugIns) return;
+    if (!reader || !stations) return;
     InterfaceFile interfaceFiles;
     std::size_t told = 0;
-    for (const PlugInRecord& plugIn : plugIns.value()) {
+    for (const PlugInRecord& plugIn : running.activePlugIns()) {
         if (told == kMostTold) break;
         const auto station = std::find_if(stations.value().begin(), stations.value().end(),
                                           [&](const auto& one) { return one.id == plugIn.station; });
         if (station == stations.value().end()) continue;
         const auto report = gapReport(*reader.value(), {plugIn.id, plugIn.station, plugIn.title},
-                                      station->name, systemNow(), incomplete, log, interfaceFiles);
-        if (!report) {
+                                      station->name, systemNow(), running.unfinished(), log, interfaceFiles);
+        if (!report)
             log.logLevel(kLogProblem,
                          "what \"" + plugIn.title + "\" missed is not known: " + report.error().message);
-            continue;
-        }
-        const auto sentences = gapSentences(report.value());
-        if (!sentences.empty()) ++told;
+        const auto sentences = report ? gapSentences(report.value()) : std::vector<std::string>();
+        if (!report || !sentences.empty()) ++told;
         for (const std::string& sentence : sentences)
             log.logLevel(kLogNotice, sentence);
     }

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "host/run/RunningSite.hpp"
 #include "host/site/HistoryReader.hpp"
 #include "host/site/SiteFile.hpp"
 #include "host/site/SiteRecords.hpp"
@@ -40,9 +41,9 @@ Result<GapReport> gapReport(HistoryReader& reader, const StoredPlugIn& monitor, 
 ///     without a word). Nothing is known of that time.
 std::vector<std::string> gapSentences(const GapReport& report);
 
-/// Tells the log what every monitor of a site has missed, at most `kMostTold` of them by name; the rest are
-/// counted. Says nothing where there is no history yet.
+/// Tells the log what every active monitor of a site has missed, at most `kMostTold` of them by name; the
+/// rest are counted. Says nothing where there is no history yet.
 inline constexpr std::size_t kMostTold = 20;
-void tellGaps(const SiteFile& site, const std::vector<FireRecord>& incomplete, QRVLog& log);
+void tellGaps(const SiteFile& site, const RunningSite& running, QRVLog& log);
 
 }  // namespace vigil

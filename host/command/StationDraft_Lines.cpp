@@ -1,6 +1,7 @@
 #include "host/command/JsonText.hpp"
 #include "host/command/StationDraft.hpp"
 #include "host/feeds/FeedUrl.hpp"
+#include "host/readings/KnownReadings.hpp"
 
 namespace vigil {
 namespace {
@@ -11,6 +12,17 @@ std::string shownFeed(const StationRecord& station) {
     return feed ? feed.value().masked() : std::string();
 }
 
+/// What conditions compare with where no unit of a reading's own is chosen.
+std::string shownUnits(const StationRecord& station) {
+    std::string text;
+    for (const auto& [what, key] : {std::pair("temperature", "outsideTemp"), std::pair("wind", "windSpeed"),
+                                    std::pair("rain", "rainDaily")}) {
+        text += (text.empty() ? "" : ", ") + std::string(what) + " in ";
+        text += knownReading(key)->unit(station.usUnits ? UnitSystem::Us : UnitSystem::Metric);
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string stationLines(const StationRecord& station, std::size_t monitors) {
@@ -18,6 +30,7 @@ std::string stationLines(const StationRecord& station, std::size_t monitors) {
                        (monitors == 1 ? " monitor" : " monitors") + ", " +
                        (station.usUnits ? "US" : "metric") + " units)\n  feed       ";
     text += (station.feed.empty() ? "none yet" : shownFeed(station)) + "\n";
+    text += "  reads      " + shownUnits(station) + "\n";
     for (const auto& [key, unit] : station.units)
         text += "  unit       " + key + " in " + unit + "\n";
     for (const std::string& rolling : station.rolling)

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "host/command/Printable.hpp"
 #include "host/services/SystemClock.hpp"
 
 namespace vigil {
@@ -30,7 +31,10 @@ std::size_t width(const std::string& text) {
         text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-std::string table(const std::vector<Row>& rows, const std::string& indent, bool colour) {
+std::string table(std::vector<Row> rows, const std::string& indent, bool colour) {
+    for (Row& row : rows)
+        for (Cell& cell : row)
+            cell.text = printable(cell.text);
     std::vector<std::size_t> widths;
     for (const Row& row : rows)
         for (std::size_t i = 0; i < row.size(); ++i) {
@@ -43,7 +47,10 @@ std::string table(const std::vector<Row>& rows, const std::string& indent, bool 
         for (std::size_t i = 0; i < row.size(); ++i) {
             const bool painted = colour && row[i].colour;
             text += painted ? row[i].colour + row[i].text + kPlain : row[i].text;
-            if (i + 1 < row.size()) text.append(widths[i] - width(row[i].text) + 2, ' ');
+            const bool last = std::all_of(row.begin() + static_cast<std::ptrdiff_t>(i) + 1, row.end(),
+                                          [](const Cell& cell) { return cell.text.empty(); });
+            if (last) break;
+            text.append(widths[i] - width(row[i].text) + 2, ' ');
         }
         text += '\n';
     }
@@ -118,7 +125,7 @@ std::string statusTable(const SiteStatus& status, bool colour) {
     else
         text += fmt::format("{}, not running: start it with `vigil run`\n", status.site);
     for (const std::string& problem : status.problems)
-        text += fmt::format("{}! {}{}\n", colour ? kBad : "", problem, colour ? kPlain : "");
+        text += fmt::format("{}! {}{}\n", colour ? kBad : "", printable(problem), colour ? kPlain : "");
     if (status.stations.empty()) text += "\nNo stations yet: vigil station create NAME --feed simulated:\n";
     for (const StationStatus& station : status.stations) {
         text += '\n' + table({rowOf(station, status.now)}, "", colour);

@@ -17,6 +17,10 @@ class ScriptSink {
     /// An error means that it will not run.
     virtual std::optional<Error> accept(ScriptRequest request,
                                         const std::shared_ptr<const Object>& plugIn) = 0;
+    /// Hears of one that is not even handed over, since it is none. Nothing comes of it unless a sink says
+    /// otherwise.
+    virtual void refused(const ScriptRequest& request, const std::shared_ptr<const Object>& plugIn,
+                         const std::string& reason);
 };
 
 }  // namespace vigil

@@ -108,7 +108,12 @@ std::shared_ptr<Object> Station::runScript(const std::string& source,
                           .station = m_name,
                           .monitor = monitor};
     const std::string reason = folder ? "scripts run in no folder of their own here" : whyRefused(request);
-    error = reason.empty() ? m_scripts.accept(std::move(request), note) : Error{reason};
+    if (reason.empty()) {
+        error = m_scripts.accept(std::move(request), note);
+    } else {
+        m_scripts.refused(request, note, reason);
+        error = Error{reason};
+    }
     return nullptr;
 }
 

@@ -38,6 +38,9 @@ struct Packet {
     std::optional<Date> time{};  ///< absent: when it arrived
     Date arrived{};
     bool retained = false;  ///< kept by a broker from before: shown, but not news
+    /// Of a recording: when it was recorded. Two of different times are never one transmission, however fast
+    /// they are brought, and no time of theirs is ahead of the clock.
+    std::optional<Date> recorded{};
     std::vector<PacketReading> readings{};
 };
 

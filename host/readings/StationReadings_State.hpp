@@ -31,7 +31,8 @@ struct StationReadings::State {
         std::uint64_t number;  ///< never given again, also when its place is
         Date heard;
         SensorClock clock{};
-        std::size_t first = 0;  ///< the entry that its packets begin with
+        std::optional<Date> recorded{};  ///< of its last packet
+        std::size_t first = 0;           ///< the entry that its packets begin with
     };
     struct Rolling {
         RollingChoice choice;
@@ -59,8 +60,8 @@ struct StationReadings::State {
     void hasNoValue(std::size_t index);
 
     // --- StationReadings_Take.cpp
-    /// Whether a time can be believed: finite, in the calendar, not far ahead.
-    static bool isTime(Date time, Date now);
+    /// Whether a time can be believed: finite, in the calendar, and not far ahead unless it was recorded.
+    static bool isTime(Date time, Date now, bool recorded = false);
     Taken take(const Packet& packet, Date now);
     void noteClock(Date now);
     std::size_t sensorNamed(const std::string& name);

@@ -23,7 +23,8 @@ bool isOfOneTransmission(const std::optional<Date>& one, const std::optional<Dat
 
 }  // namespace
 
-bool StationReadings::State::isTime(Date time, Date now) {
+bool StationReadings::State::isTime(Date time, Date now, bool recorded) {
+    if (recorded) return time >= Date::distantPast() && std::isfinite(time.secondsSinceReference());
     return time >= Date::distantPast() && time.secondsSince(now) <= kFutureSeconds;  // false for NaN
 }
 
@@ -32,7 +33,7 @@ Taken StationReadings::State::take(const Packet& packet, Date now) {
     ++counts.packets;
     noteClock(now);
     arrived = isTime(packet.arrived, now) ? packet.arrived : now;
-    const bool timed = packet.time && isTime(*packet.time, now);
+    const bool timed = packet.time && isTime(*packet.time, now, packet.recorded.has_value());
     if (packet.time && !timed) ++counts.wrongTimes;
     Sensor& sensor = sensors[sensorNamed(packet.sensor)];
     if (!packet.retained) {
@@ -56,7 +57,9 @@ Taken StationReadings::State::take(const Packet& packet, Date now) {
         keepRetained();
         return ++counts.retained, Taken{Retained};
     }
-    const bool repeat = isRepeat(sensor);
+    const bool another = packet.recorded && packet.recorded != sensor.recorded;
+    sensor.recorded = packet.recorded;
+    const bool repeat = !another && isRepeat(sensor);
     if (!repeat) countLeft();
     for (const std::size_t index : gone)
         table.at(index).missing = true;

@@ -123,6 +123,33 @@ TEST_F(StationTimes, aTimeThatCannotBeIsTheArrival) {
     EXPECT_EQ(m_station.counts().wrongTimes, 6u);
 }
 
+TEST_F(StationTimes, equalRowsOfARecordingAreNoRepeatsHoweverFastTheyAreBrought) {
+    const auto bring = [&](double recorded, double at) {
+        Packet packet = timedSample(kNow + at, kNow + at, {numberSample("windSpeed", 3)});
+        packet.recorded = Date(recorded);
+        return m_station.take(packet, Date(kNow + at)).kind;
+    };
+    EXPECT_EQ(bring(300, 0), Kind::News);
+    EXPECT_EQ(bring(600, 0.1), Kind::News) << "five minutes lay between them";
+    EXPECT_EQ(bring(600, 0.2), Kind::Repeat) << "the same row twice";
+    EXPECT_EQ(bring(900, 0.3), Kind::News);
+    EXPECT_EQ(m_station.counts().repeats, 1u);
+}
+
+TEST_F(StationTimes, aRecordingMayBeOfTimesToCome) {
+    Packet packet =
+        timedSample(kNow + 9e6, kNow, {numberSample("windSpeed", 3), numberSample("windGust", 4)});
+    packet.recorded = packet.time;
+    packet.readings[1].time = Date(kNow + 8e6);
+    m_taken = m_station.take(packet, Date(kNow));
+    EXPECT_EQ(timeOfWind(), Date(kNow + 9e6));
+    EXPECT_EQ(m_taken.batch->objectForKey("windGust")->time(), Date(kNow + 8e6));
+    EXPECT_EQ(m_station.counts().wrongTimes, 0u);
+    packet.time = packet.recorded = Date(std::numeric_limits<double>::quiet_NaN());
+    m_station.take(packet, Date(kNow + 16));
+    EXPECT_EQ(m_station.counts().wrongTimes, 1u) << "what is no time at all stays none";
+}
+
 TEST_F(StationTimes, theHostsClockMayBeSetBack) {
     EXPECT_EQ(take(0, 0, 1), Kind::News);
     EXPECT_EQ(take(16, 16, 1), Kind::News);

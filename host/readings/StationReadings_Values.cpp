@@ -51,7 +51,7 @@ void StationReadings::State::readValues(const Packet& packet, Sensor& sensor, st
         before = index;
         guess = table.at(index).next;
         std::optional<Date> taken = time;
-        if (sent.time && isTime(*sent.time, now))
+        if (sent.time && isTime(*sent.time, now, packet.recorded.has_value()))
             taken = sent.time;
         else if (sent.time)
             ++left.wrongTimes;

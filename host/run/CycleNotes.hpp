@@ -33,8 +33,15 @@ class CycleNotes : public CycleObserver {
     /// When it last fired in this run, by the end of its wait's beginning; nothing when it has not.
     std::optional<Date> next() const;
     std::optional<CycleOutcome> last() const;
-    /// Whether it has been judged since the last time this was asked.
+    /// Whether it has been judged, or what it was could not be written down, since the last time this was
+    /// asked.
     bool takeChanged() { return m_changed.exchange(false); }
+    /// What was to be written down of it does not stand.
+    void noteUnsaved() {
+        m_unsaved = true;
+        m_changed = true;
+    }
+    bool takeUnsaved() { return m_unsaved.exchange(false); }
 
   private:
     static constexpr double kNever = -std::numeric_limits<double>::infinity();
@@ -44,6 +51,7 @@ class CycleNotes : public CycleObserver {
     std::atomic<double> m_next{kNever};
     std::atomic<int> m_last{-1};
     std::atomic<bool> m_changed{false};
+    std::atomic<bool> m_unsaved{false};
 };
 
 }  // namespace vigil

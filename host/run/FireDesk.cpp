@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "host/services/Mailbox.hpp"
 #include "host/site/SiteWriter.hpp"
 
 namespace vigil {
@@ -31,6 +32,13 @@ std::optional<PlugInIdentity> FireDesk::identity(const Object& plugIn) const {
     return found->second;
 }
 
+std::optional<Date> FireDesk::lastEnd(RecordId plugIn) const {
+    const std::lock_guard lock(m_mutex);
+    const auto found = m_lastEnds.find(plugIn);
+    if (found == m_lastEnds.end()) return std::nullopt;
+    return found->second;
+}
+
 FireDesk::Announcement::Announcement() : m_before(std::exchange(t_announcement, this)) {}
 
 FireDesk::Announcement::~Announcement() {
@@ -48,8 +56,12 @@ void FireDesk::fire(const std::shared_ptr<const Object>& plugIn, PlugInIdentity 
             ~Leave() {
                 desk.m_acting.pop_back();
                 fire.ended = desk.m_clock();
+                const std::lock_guard lock(desk.m_mutex);
+                desk.m_lastEnds[fire.of.plugIn] = fire.ended;
             }
         };
+        // Removing happens on this thread: from here on the plug-in stays what it is until it has acted.
+        if (!this->identity(*plugIn)) throw HandOverRefused();
         fire.began = m_clock();
         // No answer is waited for: what the actions do is written behind it and released behind it.
         m_writer.putFire({.id = fire.id, .plugIn = fire.of.plugIn, .time = fire.began}, {});

@@ -62,6 +62,10 @@ class FireDesk {
               const std::function<void()>& actions,
               const std::function<void(const std::function<void()>&)>& handOver);
 
+    /// When the plug-in's last fire of this run ended, by its place in the site; nothing before one has. Any
+    /// thread.
+    std::optional<Date> lastEnd(RecordId plugIn) const;
+
     /// The innermost fire whose actions run now; nothing outside (a test by hand). Main thread.
     const Fire* acting() const { return m_acting.empty() ? nullptr : m_acting.back(); }
 
@@ -72,6 +76,7 @@ class FireDesk {
 
     mutable std::mutex m_mutex;
     std::unordered_map<const Object*, PlugInIdentity> m_identities;
+    std::unordered_map<RecordId, Date> m_lastEnds;
 };
 
 }  // namespace vigil

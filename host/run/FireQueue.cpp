@@ -12,8 +12,10 @@ void FireQueue::dispatchSync(const Task& task) {
         m_mailbox.dispatchSync(given);
     };
     const auto note = CallNote::current();
-    auto who = note ? m_desk.identity(*note) : std::nullopt;
-    if (!who) return handOver(task);
+    if (!note) return handOver(task);
+    // Every plug-in of a site is known here; one that is not any more was removed while it judged.
+    auto who = m_desk.identity(*note);
+    if (!who) throw HandOverRefused();
     m_desk.fire(note, std::move(*who), task, handOver);
 }
 

@@ -21,6 +21,14 @@ std::string detail(const ScriptResult& result) {
 LedgerScripts::LedgerScripts(EffectLedger& ledger, ScriptRunner::Options options, NameOf nameOf)
     : m_ledger(ledger), m_nameOf(std::move(nameOf)), m_runner(std::move(options)) {}
 
+void LedgerScripts::refused(const ScriptRequest& request, const std::shared_ptr<const Object>& plugIn,
+                            const std::string& reason) {
+    auto record =
+        m_ledger.make(EffectRecord::Script, spoken(m_nameOf(request.source), request.arguments), plugIn);
+    if (record.station.empty()) record.station = request.station;
+    m_ledger.ended(std::move(record), m_ledger.now(), "refused", reason, /*failed=*/true);
+}
+
 std::optional<Error> LedgerScripts::accept(ScriptRequest request,
                                            const std::shared_ptr<const Object>& plugIn) {
     auto record = std::make_shared<EffectRecord>(

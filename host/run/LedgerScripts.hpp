@@ -19,6 +19,9 @@ class LedgerScripts : public ScriptSink {
 
     std::optional<Error> accept(ScriptRequest request, const std::shared_ptr<const Object>& plugIn) override;
 
+    void refused(const ScriptRequest& request, const std::shared_ptr<const Object>& plugIn,
+                 const std::string& reason) override;
+
     const ScriptRunner& runner() const { return m_runner; }
     /// Ends what runs and waits; every script has its result when this returns.
     void stop(std::chrono::milliseconds deadline) { m_runner.stop(deadline); }

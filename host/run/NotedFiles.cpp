@@ -4,10 +4,14 @@ namespace vigil {
 
 Result<std::string> NotedFiles::readUtf8(const std::string& path) {
     auto text = m_files.readUtf8(path);
-    if (text && path.starts_with(m_folder)) {
-        m_name = path.substr(m_folder.size());
-        m_source = text.value();
+    if (!path.starts_with(m_folder)) return text;
+    const std::string name = path.substr(m_folder.size());
+    if (!text) {
+        m_missed(name, name.empty() ? "the row names no script" : text.error().message);
+        return text;
     }
+    m_name = name;
+    m_source = text.value();
     return text;
 }
 

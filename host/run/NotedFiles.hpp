@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "platform/Files.hpp"
 
@@ -11,7 +13,10 @@ namespace vigil {
 class NotedFiles : public Files {
   public:
     /// `files` is the caller's and outlives this; `folder` is the scripts', without a final "/".
-    NotedFiles(Files& files, std::string folder) : m_files(files), m_folder(std::move(folder) + "/") {}
+    /// `missed` hears of each script that could not be read, by its name and the reason.
+    using Missed = std::function<void(const std::string& name, const std::string& reason)>;
+    NotedFiles(Files& files, std::string folder, Missed missed)
+        : m_files(files), m_folder(std::move(folder) + "/"), m_missed(std::move(missed)) {}
 
     Result<std::string> readUtf8(const std::string& path) override;
     std::optional<std::vector<std::string>> contentsOfDirectory(const std::string& path) override {
@@ -24,6 +29,7 @@ class NotedFiles : public Files {
   private:
     Files& m_files;
     const std::string m_folder;
+    const Missed m_missed;
     std::string m_name;
     std::string m_source;
 };

@@ -54,7 +54,7 @@ Result<Done> RunningSite::restore() {
         auto history = HistoryWriter::open(m_site.path(), {.tell = tell});
         // A history is a comfort; the watch goes on without it.
         if (!history)
-            m_log.logLevel(kLogProblem, "no history is kept: " + history.error().message);
+            m_noHistory = "no history is kept: " + history.error().message;
         else
             m_history = std::move(history).value();
     }
@@ -78,7 +78,8 @@ void RunningSite::addStation(const StationRecord& record) {
     std::vector<std::string> problems;
     auto settings = readingsSettings(record, problems);
     for (const std::string& problem : problems) {
-        m_troubles[record.id] = {record.name, problem};
+        m_troubles[record.id].station = record.name;
+        m_troubles[record.id].words.push_back(problem);
         m_log.logLevel(kLogProblem, record.name + ": " + problem);
     }
     std::unique_ptr<Decoder> decoder;
@@ -106,7 +107,7 @@ std::shared_ptr<Station> RunningSite::stationOf(RecordId id) const {
 }
 
 void RunningSite::addPlugIn(const PlugInRecord& record) {
-    Entry entry{.record = record, .notes = std::make_shared<CycleNotes>(m_cycleTimes), .saved = m_since};
+    Entry entry{.record = record, .notes = std::make_shared<CycleNotes>(m_cycleTimes), .saved = Clock::now()};
     const auto station = stationOf(record.station);
     auto plugIn = station ? monitorFromArchive(record.archive, station)
                           : Result<std::shared_ptr<QRVPlugIn>>(Error{"its station is not there"});
@@ -120,6 +121,7 @@ void RunningSite::addPlugIn(const PlugInRecord& record) {
         entry.hosted = &m_plugIns.add(std::move(plugIn).value());
         entry.hosted->call([](QRVPlugIn& loaded) { loaded.didLoad(); });
         entry.savedHash = std::hash<std::string>()(record.archive);
+        entry.record.archive.clear();
         if (m_history) m_history->archived(record, m_world.now(), ArchiveReason::Began);
     }
     m_entries.push_back(std::move(entry));
@@ -137,8 +139,9 @@ void RunningSite::startPlugIn(Entry& entry, WatchReason reason) {
     if (const auto obstacle = entry.hosted->start()) {
         entry.trouble = "it does not start: " + obstacle->description();
         m_log.logLevel(kLogProblem, "\"" + entry.record.title + "\": " + entry.trouble);
-    } else if (m_history && entry.hosted->evaluating().value_or(true)) {
-        m_history->started(entry.record.id, m_world.now(), reason);
+    } else if (entry.hosted->evaluating().value_or(true)) {
+        entry.watching = true;
+        if (m_history) m_history->started(entry.record.id, m_world.now(), reason);
     }
 }
 
@@ -149,8 +152,14 @@ void RunningSite::startFeed(RecordId id) {
     const auto url = FeedUrl::parse(record.feed);
     const auto added = url ? m_feeds.add(record.name, url.value(), station) : Result<Done>(url.error());
     if (added) return;
-    m_troubles[id] = {record.name, added.error().message};
     station->state({FeedState::Failed, added.error().message, m_world.now()});
+}
+
+std::vector<PlugInRecord> RunningSite::activePlugIns() const {
+    std::vector<PlugInRecord> active;
+    for (const Entry& entry : m_entries)
+        if (entry.hosted && entry.hosted->evaluating().value_or(true)) active.push_back(entry.record);
+    return active;
 }
 
 std::string RunningSite::startText() {

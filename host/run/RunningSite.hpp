@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -59,19 +60,25 @@ class RunningSite {
     /// Fires that the last run began and did not complete, as `make` found them.
     const std::vector<FireRecord>& unfinished() const { return m_unfinished; }
 
+    /// Those that are switched on, without their archives.
+    std::vector<PlugInRecord> activePlugIns() const;
+
     Mailbox& mailbox() { return m_world.mailbox(); }
     SiteStatus status();
     /// "3 stations, 5 monitors, 4 of them active"
     std::string startText();
 
   private:
+    using Clock = std::chrono::steady_clock;
+
     struct Entry {
         PlugInRecord record;
         HostedPlugIn* hosted = nullptr;  ///< nothing where it could not be restored
         std::shared_ptr<CycleNotes> notes;
         std::string trouble{};  ///< why it could not be restored
-        Date saved;
+        Clock::time_point saved{};
         std::size_t savedHash = 0;
+        bool watching = false;  ///< as the history has it
         std::optional<Date> lastFire{};
     };
     struct Changes {
@@ -80,7 +87,7 @@ class RunningSite {
     };
     struct Trouble {
         std::string station{};
-        std::string words{};
+        std::vector<std::string> words{};
     };
 
     RunningSite(SiteFile& site, QRVLog& log, Options options);
@@ -96,12 +103,19 @@ class RunningSite {
 
     Changes removeChanged(const std::vector<StationRecord>& stations,
                           const std::vector<PlugInRecord>& plugIns);
-    bool removeEntry(std::size_t index);
+    bool removeEntry(std::size_t index, WatchReason reason);
+    void noteWait(Entry& entry, Changes& changes);
 
     void complete(std::vector<Fire> fires, std::function<void()> durable);
     void completeOnMain(const std::vector<Fire>& fires, const std::function<void()>& durable);
     Result<std::string> archiveOf(Entry& entry);
     Entry* entryOf(RecordId plugIn);
+    void completeUnposted();
+    void noteFailed(Entry& entry);
+    /// What is wrong and told by nobody else, by a name that stays.
+    std::map<std::string, std::string> problems() const;
+    void tellChanges(const std::map<std::string, std::string>& now);
+    void keepWait(Entry& entry, const Fire& fire);
     void save(Entry& entry);
 
     MonitorStatus statusOf(Entry& entry, const Readings& readings);
@@ -112,7 +126,7 @@ class RunningSite {
     const Options m_options;
     InterfaceFile m_interfaceFiles;
     SiteWriter m_writer;
-    SiteWorld m_world;
+    mutable SiteWorld m_world;
     CycleTimes m_cycleTimes;
     Histogram m_notificationTimes;
     LedgerScripts m_scripts;
@@ -124,8 +138,12 @@ class RunningSite {
     StrandPool m_pool;
     Feeds m_feeds;
     std::vector<FireRecord> m_unfinished;
+    std::string m_noHistory;                    // why none is kept
+    std::map<std::string, std::string> m_told;  // problems that the log knows of
+    std::mutex m_unpostedMutex;
+    std::vector<std::function<void()>> m_unposted;  // fires for which the main queue had no place
     Date m_since;
-    Date m_reminded;
+    Clock::time_point m_reminded{};
     bool m_stopped = false;
 };
 

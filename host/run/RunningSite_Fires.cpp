@@ -10,15 +10,6 @@
 // What a running site writes down: fires, archives, and, at its start, what the last stop left open.
 
 namespace vigil {
-namespace {
-
-/// Without a fire an archive is written at most so often, in seconds.
-constexpr double kSaveEvery = 60;
-/// Stations with rolling readings look at their ages so often.
-constexpr double kRemindEvery = 30;
-
-}  // namespace
-
 RunningSite::Entry* RunningSite::entryOf(RecordId plugIn) {
     const auto found = std::find_if(m_entries.begin(), m_entries.end(),
                                     [&](const Entry& entry) { return entry.record.id == plugIn; });
@@ -35,7 +26,9 @@ void RunningSite::complete(std::vector<Fire> fires, std::function<void()> durabl
     auto shared = std::make_shared<std::vector<Fire>>(std::move(fires));
     const bool posted =
         m_world.mailbox().dispatchAsync([this, shared, durable] { completeOnMain(*shared, durable); });
-    if (!posted) durable();
+    if (posted) return;
+    const std::lock_guard lock(m_unpostedMutex);
+    m_unposted.push_back([this, shared, durable] { completeOnMain(*shared, durable); });
 }
 
 void RunningSite::completeOnMain(const std::vector<Fire>& fires, const std::function<void()>& durable) {
@@ -49,6 +42,7 @@ void RunningSite::completeOnMain(const std::vector<Fire>& fires, const std::func
         Entry* entry = entryOf(fire.of.plugIn);
         if (!entry || !entry->hosted) continue;
         entry->lastFire = fire.began;
+        keepWait(*entry, fire);
         auto archive = archiveOf(*entry);
         if (!archive) {
             m_log.logLevel(kLogProblem, "\"" + entry->record.title +
@@ -58,24 +52,33 @@ void RunningSite::completeOnMain(const std::vector<Fire>& fires, const std::func
         }
         entry->record.archive = std::move(archive).value();
         entry->savedHash = std::hash<std::string>()(entry->record.archive);
-        entry->saved = m_world.now();
-        if (m_history) m_history->archived(entry->record, entry->saved, ArchiveReason::Saved);
+        entry->saved = Clock::now();
+        if (m_history) m_history->archived(entry->record, m_world.now(), ArchiveReason::Saved);
         m_log.logLevel(kLogNotice, "\"" + entry->record.title + "\" fired (" + fire.of.station + ")");
-        m_writer.completeFire(fire.id, entry->record,
-                              [this, pending = std::shared_ptr<Pending>(pending),
-                               title = entry->record.title](const Result<Done>& done) mutable {
-                                  if (!done)
-                                      m_log.logLevel(kLogProblem,
-                                                     "the fire of \"" + title +
-                                                         "\" is not written down: " + done.error().message);
-                                  pending.reset();
-                              });
+        m_writer.completeFire(
+            fire.id, entry->record,
+            [this, pending = std::shared_ptr<Pending>(pending), notes = entry->notes,
+             title = entry->record.title](const Result<Done>& done) mutable {
+                if (!done) {
+                    notes->noteUnsaved();
+                    m_log.logLevel(kLogProblem, "the fire of \"" + title +
+                                                    "\" is not written down yet: " + done.error().message);
+                }
+                pending.reset();
+            });
         entry->record.archive.clear();
     }
 }
 
+// Somebody changed the monitor while it fired: another object stands for it now, and has to wait as long.
+void RunningSite::keepWait(Entry& entry, const Fire& fire) {
+    QRVPlugIn& now = *entry.hosted->plugIn();
+    if (&now == fire.plugIn.get()) return;
+    if (const auto wait = retriggerSeconds(now)) waitAtLeastUntil(now, fire.ended.plus(*wait));
+}
+
 void RunningSite::save(Entry& entry) {
-    entry.saved = m_world.now();
+    entry.saved = Clock::now();
     auto archive = archiveOf(entry);
     if (!archive) {
         m_log.logLevel(kLogProblem,
@@ -83,29 +86,14 @@ void RunningSite::save(Entry& entry) {
         return;
     }
     const std::size_t hash = std::hash<std::string>()(archive.value());
-    if (hash == entry.savedHash) return;
+    if (hash == entry.savedHash && !entry.notes->takeUnsaved()) return;
     entry.savedHash = hash;
     PlugInRecord record = entry.record;
     record.archive = std::move(archive).value();
-    if (m_history) m_history->archived(record, entry.saved, ArchiveReason::Saved);
-    m_writer.saveArchive(std::move(record), {});
-}
-
-void RunningSite::tick() {
-    const Date now = m_world.now();
-    if (now.secondsSince(m_reminded) >= kRemindEvery) {
-        m_reminded = now;
-        for (const auto& [id, station] : m_stations)
-            if (!station->record().rolling.empty()) station->remind();
-    }
-    // A share of them each time, so that the main thread is never away for long.
-    std::size_t share = m_entries.size() / 60 + 1;
-    for (Entry& entry : m_entries) {
-        if (!entry.hosted || now.secondsSince(entry.saved) < kSaveEvery) continue;
-        if (!entry.notes->takeChanged()) continue;
-        save(entry);
-        if (--share == 0) break;
-    }
+    if (m_history) m_history->archived(record, m_world.now(), ArchiveReason::Saved);
+    m_writer.saveArchive(std::move(record), [notes = entry.notes](const Result<Done>& done) {
+        if (!done) notes->noteUnsaved();
+    });
 }
 
 // A fire without its completion: the process ended between the two. Its wait is taken to have begun.
@@ -118,8 +106,8 @@ void RunningSite::waitForUnfinished(const Interrupted& interrupted) {
         const auto wait = retriggerSeconds(plugIn);
         if (wait && waitAtLeastUntil(plugIn, fire.time.plus(*wait)))
             outcome = "it waits as if that fire had been completed";
-        m_log.logLevel(kLogProblem, "\"" + entry->record.title + "\" was in the middle of a fire of " +
-                                        fire.time.isoText() + " when the last run ended; " + outcome);
+        m_log.logLevel(kLogProblem, "\"" + entry->record.title + "\" has not completed its fire of " +
+                                        fire.time.isoText() + "; " + outcome);
         auto archive = archiveOf(*entry);
         if (!archive) continue;
         PlugInRecord record = entry->record;

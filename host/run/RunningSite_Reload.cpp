@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <nlohmann/json.hpp>
+
 #include "host/feeds/FeedUrl.hpp"
 #include "host/kit/StandardLog.hpp"
 #include "host/run/PlugInState.hpp"
@@ -14,6 +16,13 @@ namespace {
 bool isSame(const StationRecord& a, const StationRecord& b) {
     return a.name == b.name && a.feed == b.feed && a.usUnits == b.usUnits && a.units == b.units &&
            a.rolling == b.rolling;
+}
+
+/// By its archive; one that cannot be read counts as active.
+bool isActiveArchive(const std::string& archive) {
+    const auto json = nlohmann::json::parse(archive, nullptr, /*allow_exceptions=*/false);
+    return !json.is_object() || !json.contains("root") || !json["root"].is_object() ||
+           json["root"].value("evaluating", false);
 }
 
 template <class Record>
@@ -46,8 +55,10 @@ void RunningSite::reload() {
         addPlugIn(record);
         Entry& entry = m_entries.back();
         const auto before = changes.waits.find(record.id);
-        if (entry.hosted && before != changes.waits.end())
+        if (entry.hosted && before != changes.waits.end()) {
             waitAtLeastUntil(*entry.hosted->plugIn(), before->second);
+            save(entry);
+        }
         startPlugIn(entry, WatchReason::Changed);
         ++added;
     }
@@ -70,9 +81,9 @@ RunningSite::Changes RunningSite::removeChanged(const std::vector<StationRecord>
         const bool stationEnded = std::find(ended.begin(), ended.end(), entry.record.station) != ended.end();
         if (record && !stationEnded && record->edition == entry.record.edition) continue;
         // A wait is the plug-in's own, whatever else somebody has set.
-        if (const auto wait = entry.hosted ? retriggerDate(*entry.hosted->plugIn()) : std::nullopt)
-            changes.waits[entry.record.id] = *wait;
-        if (!removeEntry(i)) continue;
+        noteWait(entry, changes);
+        const bool off = record && !stationEnded && !isActiveArchive(record->archive);
+        if (!removeEntry(i, off ? WatchReason::Switched : WatchReason::Changed)) continue;
         ++changes.removed;
     }
     for (const RecordId id : ended) {
@@ -85,8 +96,19 @@ RunningSite::Changes RunningSite::removeChanged(const std::vector<StationRecord>
     return changes;
 }
 
+void RunningSite::noteWait(Entry& entry, Changes& changes) {
+    if (!entry.hosted) return;
+    QRVPlugIn& plugIn = *entry.hosted->plugIn();
+    std::optional<Date> until = retriggerDate(plugIn);
+    // A fire that has ended may not have set its wait yet.
+    const auto ended = m_world.fires().lastEnd(entry.record.id);
+    const auto wait = retriggerSeconds(plugIn);
+    if (ended && wait) until = std::max(until.value_or(*ended), ended->plus(*wait));
+    if (until) changes.waits[entry.record.id] = *until;
+}
+
 /// False where it does not let itself be stopped.
-bool RunningSite::removeEntry(std::size_t index) {
+bool RunningSite::removeEntry(std::size_t index, WatchReason reason) {
     Entry& entry = m_entries[index];
     if (entry.hosted) {
         const auto plugIn = entry.hosted->plugIn();
@@ -96,7 +118,7 @@ bool RunningSite::removeEntry(std::size_t index) {
             return false;
         }
         m_world.fires().dismiss(*plugIn);
-        if (m_history) m_history->stopped(entry.record.id, m_world.now(), WatchReason::Changed);
+        if (m_history && entry.watching) m_history->stopped(entry.record.id, m_world.now(), reason);
     }
     m_entries.erase(m_entries.begin() + static_cast<std::ptrdiff_t>(index));
     return true;

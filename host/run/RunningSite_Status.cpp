@@ -25,6 +25,16 @@ const char* feedKindName(FeedState::Kind kind) {
     return "";
 }
 
+/// A status grows with every cycle; its end says how things are.
+std::string shortened(std::string text) {
+    constexpr std::size_t kMost = 2000;
+    if (text.size() <= kMost) return text;
+    std::size_t begin = text.size() - kMost;
+    while (begin < text.size() && (static_cast<unsigned char>(text[begin]) & 0xC0) == 0x80)
+        ++begin;
+    return "…" + text.substr(begin);
+}
+
 std::string joined(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words)
@@ -54,7 +64,7 @@ MonitorStatus RunningSite::statusOf(Entry& entry, const Readings& readings) {
     QRVPlugIn& plugIn = *entry.hosted->plugIn();
     status.active = entry.hosted->evaluating().value_or(true);
     status.condition = conditionText(plugIn);
-    status.says = statusText(plugIn);
+    status.says = shortened(statusText(plugIn));
     if (entry.hosted->failure()) return is("failed", "stopped: " + *entry.hosted->failure());
     if (!entry.hosted->isStarted()) return is("failed", entry.trouble);
     if (!status.active) return is("not active", "not active");
@@ -73,7 +83,8 @@ StationStatus RunningSite::statusOf(const RunningStation& station) {
     const auto counts = station.counts();
     StationStatus status{.id = station.record().id, .name = station.record().name};
     const auto url = FeedUrl::parse(station.record().feed);
-    status.feed = url ? url.value().masked() : station.record().feed;
+    // One that cannot be read may hold what should not be shown.
+    status.feed = url ? url.value().masked() : "(cannot be read)";
     status.feedState = station.record().feed.empty() ? "none" : feedKindName(counts.feed.kind);
     status.feedWords = counts.feed.words;
     status.lastData = counts.lastData;
@@ -107,9 +118,11 @@ SiteStatus RunningSite::status() {
         status.stations.push_back(std::move(shown));
     }
     for (const auto& [id, trouble] : m_troubles)
-        status.problems.push_back(trouble.station + ": " + trouble.words);
+        for (const std::string& words : trouble.words)
+            status.problems.push_back(trouble.station + ": " + words);
+    for (const auto& [of, words] : problems())
+        status.problems.push_back(words);
     const auto writer = m_writer.state();
-    if (!writer.well) status.problems.push_back(writer.words);
     status.writesWaiting = writer.waiting;
     status.writesRefused = writer.refused;
     status.commits = writer.commits;

@@ -1,3 +1,5 @@
+#include <thread>
+
 #include "host/run/RunningSite.hpp"
 
 namespace vigil {
@@ -7,19 +9,22 @@ void RunningSite::stop() {
     m_stopped = true;
     for (const auto& [id, station] : m_stations)
         station->close();
+    // Scripts are ended while the feeds end: neither waits for the other.
+    std::thread scripts([this] { m_scripts.stop(std::chrono::milliseconds(500)); });
     m_feeds.stop();
+    scripts.join();
     // A cycle whose fire has not begun is given up; one whose fire has ended still writes that down below.
     m_world.mailbox().refuseHandOvers();
     m_pool.stop();
     while (m_world.mailbox().serveOne({})) {
     }
+    completeUnposted();
     for (Entry& entry : m_entries) {
-        if (!entry.hosted || !entry.hosted->isStarted()) continue;
-        const bool watched = entry.hosted->evaluating().value_or(true);
-        entry.hosted->stop();
-        if (m_history && watched) m_history->stopped(entry.record.id, m_world.now(), WatchReason::Run);
+        if (!entry.hosted) continue;
+        noteFailed(entry);
+        if (entry.hosted->isStarted()) entry.hosted->stop();
+        if (m_history && entry.watching) m_history->stopped(entry.record.id, m_world.now(), WatchReason::Run);
     }
-    m_scripts.stop(std::chrono::milliseconds(500));
     for (Entry& entry : m_entries)
         if (entry.hosted && entry.notes->takeChanged()) save(entry);
     m_writer.stop();

@@ -46,7 +46,7 @@ TEST_F(Running, AFireWithoutItsCompletionIsWaitedOutFromItsOwnTime) {
     ASSERT_TRUE(until);
     EXPECT_NEAR(until->secondsSince(when), 3600, 1e-3);
     EXPECT_EQ(monitor("Always").fired, 0u);
-    EXPECT_THAT(logged(), HasSubstr("was in the middle of a fire"));
+    EXPECT_THAT(logged(), HasSubstr("has not completed its fire of"));
     end();
     EXPECT_THAT(fileText(m_folder.path() + "/noted"), IsEmpty());
 }
@@ -86,6 +86,20 @@ TEST_F(Running, AnActionThatCannotBeHadIsInTheLedgerAsFailed) {
     ASSERT_THAT(effects, SizeIs(1));
     EXPECT_EQ(effects[0].result, "failed");
     EXPECT_THAT(effects[0].detail, testing::AllOf(HasSubstr("exit code 3"), HasSubstr("oh no")));
+}
+
+TEST_F(Running, AScriptThatIsNotThereIsInTheLedgerAndInTheStatus) {
+    add("Mistyped", archive("windSpeed.unitValue > -1", 60, "nots.sh roof"));
+    start();
+    serveUntil([&] { return monitor("Mistyped").lastFailed; });
+    EXPECT_EQ(monitor("Mistyped").lastAction, "nots.sh");
+    end();
+    open();
+    const auto effects = m_file->effects().value();
+    ASSERT_THAT(effects, SizeIs(1));
+    EXPECT_EQ(effects[0].result, "not started");
+    EXPECT_THAT(effects[0].detail, HasSubstr("No such file"));
+    EXPECT_NE(effects[0].fire, 0);
 }
 
 TEST_F(Running, AStationWithAFeedThatIsNoneIsToldAndTheOthersRun) {

@@ -11,7 +11,7 @@ namespace vigil {
 namespace {
 
 /// What cannot be read is told once in so many seconds; all of it is counted.
-constexpr double kTellEvery = 60;
+constexpr std::chrono::seconds kTellEvery{60};
 
 /// What the plug-in's wait counts from, by its own dates; else the end of its actions.
 Date waitFrom(const Fire& fire) {
@@ -43,11 +43,14 @@ void RunningStation::arrived(RawMessage message) {
         if (m_closed) return;
         ++m_counts.messages;
         m_counts.lastMessage = message.arrived;
-        if (m_messages.size() >= kMessagesOfStation) {
+        m_bytes += message.payload.size();
+        m_messages.push_back(std::move(message));
+        while (m_messages.size() > kMessagesOfStation ||
+               (m_bytes > kBytesOfStation && m_messages.size() > 1)) {
+            m_bytes -= m_messages.front().payload.size();
             m_messages.pop_front();
             ++m_counts.drops["queue full"];
         }
-        m_messages.push_back(std::move(message));
     }
     m_around.pool.wake(shared_from_this());
 }
@@ -61,14 +64,20 @@ void RunningStation::problem(const std::string& words) {
 }
 
 void RunningStation::tell(const std::string& words) {
-    const Date now = m_around.world.now();
+    const auto now = std::chrono::steady_clock::now();
+    std::uint64_t untold = 0;
     {
         const std::lock_guard lock(m_mutex);
         m_counts.lastProblem = words;
-        if (m_toldProblem && now.secondsSince(*m_toldProblem) < kTellEvery) return;
+        if (m_toldProblem && now - *m_toldProblem < kTellEvery) {
+            ++m_untold;
+            return;
+        }
         m_toldProblem = now;
+        untold = std::exchange(m_untold, 0);
     }
-    m_around.world.log().logLevel(kLogNotice, m_record.name + ": " + words);
+    const std::string more = untold == 0 ? "" : " (and " + std::to_string(untold) + " more before it)";
+    m_around.world.log().logLevel(kLogNotice, m_record.name + ": " + words + more);
 }
 
 void RunningStation::state(FeedState state) {
@@ -90,6 +99,7 @@ void RunningStation::close() {
     const std::lock_guard lock(m_mutex);
     m_closed = true;
     m_messages.clear();
+    m_bytes = 0;
 }
 
 bool RunningStation::isAtRest() const {
@@ -124,6 +134,7 @@ std::optional<RawMessage> RunningStation::takeMessage() {
     if (!m_busy) return std::nullopt;
     RawMessage message = std::move(m_messages.front());
     m_messages.pop_front();
+    m_bytes -= message.payload.size();
     return message;
 }
 
@@ -168,7 +179,9 @@ void RunningStation::decode(const RawMessage& message) {
 bool RunningStation::take(const Packet& packet) {
     const Date now = m_around.world.now();
     const Taken taken = m_readings.take(packet, now);
-    if (taken.kind != Taken::Kind::News || m_readings.counts().readingsDropped() != 0) noteDrops();
+    const auto& counts = m_readings.counts();
+    if (taken.kind != Taken::Kind::News || counts.readingsDropped() + counts.wrongTimes + counts.jumps != 0)
+        noteDrops();
     if (!taken.batch) return true;
     {
         const std::lock_guard lock(m_mutex);
@@ -192,7 +205,7 @@ void RunningStation::noteDrops() {
 
 bool RunningStation::announce(const std::shared_ptr<const Readings>& batch, Date now) {
     const auto start = std::chrono::steady_clock::now();
-    const FireDesk::Announcement announcement;
+    FireDesk::Announcement announcement;
     CycleNotes::begin();
     if (m_around.history) m_around.history->append(m_record.id, std::nullopt, now, batch);
     auto failures = m_station->announce(batch);
@@ -207,7 +220,7 @@ bool RunningStation::announce(const std::shared_ptr<const Readings>& batch, Date
         for (const Fire& fire : announcement.fires)
             m_around.history->fired(m_record.id, fire.of.plugIn, now, fire.began, waitFrom(fire));
     const auto self = std::static_pointer_cast<RunningStation>(shared_from_this());
-    m_around.complete(announcement.fires, [self] { self->m_around.pool.resume(self); });
+    m_around.complete(std::move(announcement.fires), [self] { self->m_around.pool.resume(self); });
     return false;
 }
 

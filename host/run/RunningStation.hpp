@@ -1,6 +1,6 @@
 #pragma once
 
-#include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -24,6 +24,8 @@ namespace vigil {
 /// Messages of a station that may wait for their turn; behind them the oldest goes, since the newest says how
 /// things are.
 inline constexpr std::size_t kMessagesOfStation = 1024;
+/// And so many bytes of them.
+inline constexpr std::size_t kBytesOfStation = std::size_t{8} << 20;
 
 /// A station at work: takes what its feed brings, reads it, makes readings of it and announces them, one
 /// notification at a time, on the threads of a pool. After a notification in which a plug-in fired it goes on
@@ -100,7 +102,9 @@ class RunningStation : public Strand, public FeedSink {
     mutable std::mutex m_mutex;
     std::deque<RawMessage> m_messages;
     Counts m_counts;
-    std::optional<Date> m_toldProblem;
+    std::size_t m_bytes = 0;  // of the messages
+    std::optional<std::chrono::steady_clock::time_point> m_toldProblem;
+    std::uint64_t m_untold = 0;  // problems since then
     bool m_closed = false;
     bool m_busy = false;
     bool m_reminded = false;

@@ -21,7 +21,7 @@ constexpr int kEnd = SIGUSR2;
 
 }  // namespace
 
-Signals::Signals() {
+void blockSignals() {
     sigset_t set = theSignals();
     sigaddset(&set, kEnd);
     ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
@@ -29,7 +29,7 @@ Signals::Signals() {
     ::signal(SIGPIPE, SIG_IGN);
 }
 
-void Signals::listen(Came came) {
+Signals::Signals(Came came) {
     m_thread = std::thread([came = std::move(came)] {
         ::pthread_setname_np(::pthread_self(), "vigil-signals");
         sigset_t set = theSignals();
@@ -44,7 +44,6 @@ void Signals::listen(Came came) {
 }
 
 Signals::~Signals() {
-    if (!m_thread.joinable()) return;
     ::pthread_kill(m_thread.native_handle(), kEnd);
     m_thread.join();
 }

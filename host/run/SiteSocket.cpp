@@ -76,7 +76,8 @@ std::string receive(int fd, std::size_t most, bool oneLine) {
         const ssize_t count = ::recv(fd, buffer, sizeof buffer, 0);
         if (count <= 0) break;
         text.append(buffer, static_cast<std::size_t>(count));
-        if (oneLine && text.find('\n') != std::string::npos) break;
+        // A question comes at once; what is not whole then is none.
+        if (oneLine) break;
     }
     return text;
 }
@@ -90,6 +91,12 @@ struct SiteSocket::State {
     UniqueFd stop;
     std::thread thread;
 
+    /// Waits for the first word of a peer, and no longer than for the end.
+    bool hasSpoken(int peer) const {
+        pollfd fds[] = {{peer, POLLIN, 0}, {stop.get(), POLLIN, 0}};
+        return ::poll(fds, 2, kPatienceSeconds * 1000) > 0 && !fds[1].revents;
+    }
+
     void serve() {
         sigset_t all;
         sigfillset(&all);
@@ -101,8 +108,13 @@ struct SiteSocket::State {
             if (fds[1].revents) return;
             if (!fds[0].revents) continue;
             const UniqueFd peer(::accept4(listening.get(), nullptr, nullptr, SOCK_CLOEXEC));
-            if (!peer) continue;
+            if (!peer) {
+                // No descriptors are left, and the next moment will not have more.
+                ::poll(&fds[1], 1, 100);
+                continue;
+            }
             setPatience(peer.get(), kPatienceSeconds);
+            if (!hasSpoken(peer.get())) continue;
             std::string question = receive(peer.get(), kLongestQuestion, /*oneLine=*/true);
             question.resize(std::min(question.find('\n'), question.size()));
             sendAll(peer.get(), answer(question));

@@ -31,6 +31,8 @@ class SiteWorld : public LiveWorld {
     NotedFiles& notedFiles() { return m_files; }
 
   private:
+    void scriptMissed(const std::string& name, const std::string& reason);
+
     FireDesk m_fires;
     FireQueue m_queue;
     EffectLedger m_effects;

@@ -118,6 +118,7 @@ std::string statusJson(const SiteStatus& status) {
 Result<SiteStatus> statusFromJson(const std::string& text) {
     try {
         const Json json = Json::parse(text);
+        if (json.contains("error")) return Error{json.at("error").get<std::string>()};
         SiteStatus status;
         status.site = json.at("site");
         status.version = json.at("version");

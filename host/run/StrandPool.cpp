@@ -1,5 +1,6 @@
 #include "host/run/StrandPool.hpp"
 
+#include <system_error>
 #include <utility>
 
 #include <pthread.h>
@@ -46,9 +47,14 @@ void StrandPool::enqueue(const std::shared_ptr<Strand>& strand) {
 void StrandPool::startThreads() {
     if (m_stopping || m_queue.size() <= m_idle) return;
     if (m_threads.size() - m_away >= m_places) return;
-    std::thread thread([this] { work(); });
-    const auto id = thread.get_id();
-    m_threads.emplace(id, std::move(thread));
+    try {
+        std::thread thread([this] { work(); });
+        const auto id = thread.get_id();
+        m_threads.emplace(id, std::move(thread));
+    } catch (const std::system_error&) {
+        // The machine gives no more threads. What is queued waits for those that there are, and the next wake
+        // asks again.
+    }
 }
 
 void StrandPool::work() {
@@ -133,6 +139,7 @@ StrandPool::Away::~Away() {
     if (!m_pool) return;
     const Lock lock(m_pool->m_mutex);
     --m_pool->m_away;
+    m_pool->startThreads();
     // An idle thread finds out that it is one too many.
     m_pool->m_changed.notify_one();
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "host/site/HistoryRecords.hpp"
 
@@ -39,5 +41,12 @@ struct StationForgotten {
 
 using HistoryEvent = std::variant<StoredNotification, StoredFire, WatchBegan, WatchEnded, ArchiveTaken,
                                   StationNamed, StationForgotten, StoredLoss>;
+
+/// What an event that is no notification takes in memory, in bytes.
+std::size_t sizeOf(const HistoryEvent& event);
+
+/// Of each plug-in's archives in `events` only the newest stays, where the oldest of them stood: as an edit
+/// where one of those that went began or edited it.
+void keepNewestArchives(std::vector<HistoryEvent>& events);
 
 }  // namespace vigil

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include <SQLiteCpp/Statement.h>
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <unistd.h>
@@ -18,6 +19,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kBusyMilliseconds = 5000;
+/// The library itself gives this code for row numbers of a wrong type only, which no statement here has.
+constexpr int kOfAnotherSite = SQLITE_MISMATCH;
 
 int pragmaNumber(SQLite::Database& database, const char* name) {
     return database.execAndGet(std::string("PRAGMA ") + name).getInt();
@@ -87,14 +90,33 @@ std::unique_ptr<SQLite::Database> openHistoryForReading(const std::string& file)
     return database;
 }
 
-Result<std::string> setHistoryAside(const std::string& file) {
+std::optional<HistoryObstacle> obstacleIn(const SQLite::Exception& what) {
+    if (isDamage(what)) return HistoryObstacle::Damage;
+    if (what.getErrorCode() == kOfAnotherSite) return HistoryObstacle::OtherSite;
+    return std::nullopt;
+}
+
+bool isHistoryOf(SQLite::Database& database, const std::string& identity) {
+    SQLite::Statement ask(database, "SELECT value FROM facts WHERE name = 'site'");
+    return identity.empty() || !ask.executeStep() || ask.getColumn(0).getString() == identity;
+}
+
+void claimHistory(SQLite::Database& database, const std::string& identity) {
+    if (!isHistoryOf(database, identity)) throw SQLite::Exception("belongs to another site", kOfAnotherSite);
+    if (identity.empty()) return;
+    SQLite::Statement claim(database, "INSERT OR IGNORE INTO facts VALUES('site', ?)");
+    claim.bind(1, identity);
+    claim.exec();
+}
+
+Result<std::string> setHistoryAside(const std::string& file, HistoryObstacle why) {
     std::string when = lastChange(file).isoText();
     when.erase(std::remove(when.begin(), when.end(), ':'), when.end());
-    const std::string stem = file + ".damaged-" + when;
+    const std::string stem = file + (why == HistoryObstacle::Damage ? ".damaged-" : ".other-site-") + when;
     std::string to = stem;
-    for (int i = 2; fs::exists(to) || fs::exists(to + "-wal"); ++i)
-        to = stem + "-" + std::to_string(i);
     std::error_code failed;
+    for (int i = 2; fs::exists(to, failed) || fs::exists(to + "-wal", failed); ++i)
+        to = stem + "-" + std::to_string(i);
     fs::rename(file, to, failed);
     if (failed) return Error{"cannot rename " + file + ": " + failed.message()};
     // The log belongs to the old file: it must neither be lost nor be taken for the new one's.

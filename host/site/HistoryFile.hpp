@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <SQLiteCpp/Database.h>
@@ -24,7 +25,20 @@ std::unique_ptr<SQLite::Database> openHistoryForWriting(const std::string& file)
 /// A connection that only reads; the file must be there.
 std::unique_ptr<SQLite::Database> openHistoryForReading(const std::string& file);
 
-/// Renames a damaged file, with its log, after the time of its last change. Gives the new name.
-Result<std::string> setHistoryAside(const std::string& file);
+/// Why a file cannot be gone on with, and a new one is begun.
+enum class HistoryObstacle { Damage, OtherSite };
+
+/// What of this kind a failure tells of; nothing where it may pass.
+std::optional<HistoryObstacle> obstacleIn(const SQLite::Exception& what);
+
+/// Makes a history that belongs to nobody yet that of a site; throws where it is another one's. An empty
+/// identity is not known, and nothing is done.
+void claimHistory(SQLite::Database& database, const std::string& identity);
+/// Whether it belongs to that site, or to nobody.
+bool isHistoryOf(SQLite::Database& database, const std::string& identity);
+
+/// Renames a file, with its log, after the obstacle and the time of its last change. Gives the new name.
+/// Throws nothing.
+Result<std::string> setHistoryAside(const std::string& file, HistoryObstacle why);
 
 }  // namespace vigil

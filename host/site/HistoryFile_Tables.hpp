@@ -5,7 +5,7 @@ namespace vigil {
 /// The tables of a history, version 1. Dates are seconds since 2001-01-01 00:00:00 UTC. docs/history.md tells
 /// people what stands where.
 inline constexpr const char* kHistoryTables = R"(
-CREATE TABLE facts(name TEXT PRIMARY KEY, value INTEGER NOT NULL) STRICT;
+CREATE TABLE facts(name TEXT PRIMARY KEY, value ANY NOT NULL) STRICT;
 INSERT INTO facts VALUES('closed', 1);
 CREATE TABLE stations(id INTEGER PRIMARY KEY, name TEXT NOT NULL DEFAULT '') STRICT;
 CREATE TABLE layouts(id INTEGER PRIMARY KEY AUTOINCREMENT, station INTEGER NOT NULL, lastUsed REAL) STRICT;

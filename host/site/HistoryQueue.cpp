@@ -1,6 +1,7 @@
 #include "host/site/HistoryQueue.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace vigil {
@@ -33,11 +34,31 @@ void HistoryQueue::push(HistoryEvent event) {
     bool wake = false;
     {
         const std::lock_guard lock(m_mutex);
+        const std::size_t bytes = sizeOf(event);
+        if (!makeRoom(bytes)) {
+            ++m_counts.dropped;
+            return;
+        }
+        m_eventBytes += bytes;
         ++m_pushed;
         m_events.push_back(std::move(event));
         wake = m_events.size() == 1 || m_events.size() == kMany;
     }
     if (wake) m_wake.notify_one();
+}
+
+bool HistoryQueue::makeRoom(std::size_t bytes) {
+    if (m_eventBytes + bytes <= kMostEventBytes) return true;
+    std::vector<HistoryEvent> events(std::make_move_iterator(m_events.begin()),
+                                     std::make_move_iterator(m_events.end()));
+    keepNewestArchives(events);
+    // What went needs no dealing with.
+    m_taken += m_events.size() - events.size();
+    m_events.assign(std::make_move_iterator(events.begin()), std::make_move_iterator(events.end()));
+    m_eventBytes = 0;
+    for (const HistoryEvent& event : m_events)
+        if (!std::holds_alternative<StoredNotification>(event)) m_eventBytes += sizeOf(event);
+    return m_eventBytes + bytes <= kMostEventBytes;
 }
 
 void HistoryQueue::addLoss(const StoredLoss& loss) {
@@ -56,7 +77,10 @@ bool HistoryQueue::take(std::vector<HistoryEvent>& taken) {
     if (m_events.empty() && m_losses.empty()) return !m_closed;
     const std::size_t count = std::min(m_events.size(), kMostTaken);
     for (std::size_t i = 0; i < count; ++i) {
-        if (std::holds_alternative<StoredNotification>(m_events.front())) --m_counts.queued;
+        if (std::holds_alternative<StoredNotification>(m_events.front()))
+            --m_counts.queued;
+        else
+            m_eventBytes -= sizeOf(m_events.front());
         taken.push_back(std::move(m_events.front()));
         m_events.pop_front();
     }
@@ -83,6 +107,16 @@ void HistoryQueue::done(std::uint64_t written, const std::vector<StoredLoss>& fa
 void HistoryQueue::countFailed(std::uint64_t notifications) {
     const std::lock_guard lock(m_mutex);
     m_counts.failed += notifications;
+}
+
+void HistoryQueue::countDropped(std::uint64_t events) {
+    const std::lock_guard lock(m_mutex);
+    m_counts.dropped += events;
+}
+
+void HistoryQueue::setFailing(const std::string& why) {
+    const std::lock_guard lock(m_mutex);
+    m_counts.failing = why;
 }
 
 void HistoryQueue::flush() {

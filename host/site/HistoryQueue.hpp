@@ -29,7 +29,11 @@ class HistoryQueue {
     void push(StoredNotification notification);
     /// Counts one that cannot be kept at all.
     void refuse();
-    /// Anything else is always taken: it is rare, and losing it would falsify what is kept.
+    /// All events that are no notifications take at most so many bytes.
+    static constexpr std::size_t kMostEventBytes = std::size_t{32} << 20;
+
+    /// Anything else is taken, since losing it would falsify what is kept, as long as it fits: where it does
+    /// not, of each plug-in only the newest archive stays, and what does not fit then is dropped and counted.
     void push(HistoryEvent event);
 
     /// Waits until something is due and moves it into `taken`, with what was lost meanwhile behind it. False
@@ -45,9 +49,15 @@ class HistoryQueue {
     void flush();
     void close();
 
+    /// Why nothing can be written, as a sentence without its point; empty: all is well.
+    void setFailing(const std::string& why);
+    /// Events that the writer itself could not keep any longer.
+    void countDropped(std::uint64_t events);
+
     HistoryCounts counts() const;
 
   private:
+    bool makeRoom(std::size_t bytes);
     void addLoss(const StoredLoss& loss);
 
     const std::size_t m_most;
@@ -56,6 +66,7 @@ class HistoryQueue {
     std::condition_variable m_wake;     // the writer
     std::condition_variable m_settled;  // those that flush
     std::deque<HistoryEvent> m_events;
+    std::size_t m_eventBytes = 0;
     std::map<RecordId, StoredLoss> m_losses;
     HistoryCounts m_counts;
     std::uint64_t m_pushed = 0;

@@ -38,7 +38,11 @@ Result<std::unique_ptr<HistoryReader>> HistoryReader::open(const std::string& si
     std::error_code failed;
     if (!fs::exists(path, failed)) return Error{"there is no history " + path + "; \"vigil run\" keeps one"};
     try {
-        return std::unique_ptr<HistoryReader>(new HistoryReader(std::make_unique<File>(path)));
+        auto file = std::make_unique<File>(path);
+        if (!isHistoryOf(*file->database, siteIdentity(siteFile)))
+            return Error{"the history " + path +
+                         " belongs to another site; \"vigil run\" sets it aside and begins a new one"};
+        return std::unique_ptr<HistoryReader>(new HistoryReader(std::move(file)));
     } catch (const SQLite::Exception& what) {
         return Error{"cannot read the history " + path + ": " + what.what()};
     }

@@ -1,6 +1,9 @@
 #include "host/site/HistoryRecords.hpp"
 
 #include <array>
+#include <utility>
+
+#include "host/site/SiteFile.hpp"
 
 namespace vigil {
 namespace {
@@ -12,6 +15,13 @@ constexpr std::array kArchiveReasons{"began", "edited", "saved"};
 
 std::string historyFileOf(const std::string& siteFile) {
     return siteFile + "-history";
+}
+
+std::string siteIdentity(const std::string& siteFile) {
+    const auto site = SiteFile::open(siteFile, Access::Read);
+    if (!site) return "";
+    auto identity = site.value()->identity();
+    return identity ? std::move(identity).value() : "";
 }
 
 const char* watchReasonName(WatchReason reason) {

@@ -16,6 +16,8 @@ namespace vigil {
 
 /// "home.vigilsite-history": the history stands beside its site.
 std::string historyFileOf(const std::string& siteFile);
+/// The identity of a site (SiteFile::identity); empty where the file does not tell it.
+std::string siteIdentity(const std::string& siteFile);
 
 /// Why a plug-in came to watch its station, or ceased to.
 enum class WatchReason : std::uint8_t {

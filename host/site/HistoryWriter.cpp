@@ -23,7 +23,8 @@ Result<std::unique_ptr<HistoryWriter>> HistoryWriter::open(const std::string& si
     if (options.retentionDays < 1) return Error{"the history is kept for 1 day at least"};
     auto lock = HistoryLock::take(file);
     if (!lock) return lock.error();
-    auto thread = std::make_unique<Thread>(std::move(lock).value(), file, std::move(options));
+    auto thread =
+        std::make_unique<Thread>(std::move(lock).value(), file, siteIdentity(siteFile), std::move(options));
     if (const auto opened = thread->open(); !opened) return opened.error();
     thread->begin();
     return std::unique_ptr<HistoryWriter>(new HistoryWriter(std::move(thread)));
@@ -50,7 +51,7 @@ void HistoryWriter::stopped(RecordId plugIn, Date date, WatchReason reason) {
 }
 
 void HistoryWriter::archived(const PlugInRecord& plugIn, Date date, ArchiveReason reason) {
-    if (isFinite(date))
+    if (isFinite(date) && m_thread->archives.wants(plugIn, date, reason))
         m_thread->queue.push(
             HistoryEvent(ArchiveTaken{std::make_shared<const PlugInRecord>(plugIn), date, reason}));
 }

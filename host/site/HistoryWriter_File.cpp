@@ -13,14 +13,17 @@ Result<Done> HistoryWriter::Thread::open() {
         return Done{};
     } catch (const SQLite::Exception& what) {
         m_store.reset();
-        if (!isDamage(what)) return Error{"cannot open the history " + file + ": " + what.what()};
-        if (!beginAnew(what.what())) return Error{"cannot begin the history " + file + " anew"};
+        const auto obstacle = obstacleIn(what);
+        if (!obstacle) return Error{"cannot open the history " + file + ": " + what.what()};
+        if (!beginAnew(*obstacle, what.what())) return Error{"cannot begin the history " + file + " anew"};
         return Done{};
     }
 }
 
 void HistoryWriter::Thread::openStore() {
-    auto store = std::make_unique<HistoryStore>(openHistoryForWriting(file));
+    auto database = openHistoryForWriting(file);
+    claimHistory(*database, m_identity);
+    auto store = std::make_unique<HistoryStore>(std::move(database));
     if (!m_check && !m_failing && !store->wasClosed()) {
         store->endAbandonedWatches();
         m_check = std::make_unique<HistoryCheck>(file);
@@ -34,21 +37,22 @@ void HistoryWriter::Thread::lookAtCheck() {
     m_check.reset();
     if (!damaged) return;
     m_store.reset();
-    beginAnew("its check found damage");
+    beginAnew(HistoryObstacle::Damage, "its check found damage");
 }
 
-bool HistoryWriter::Thread::beginAnew(const std::string& why) {
+bool HistoryWriter::Thread::beginAnew(HistoryObstacle obstacle, const std::string& why) {
     m_check.reset();
     m_store.reset();
-    const auto aside = setHistoryAside(file);
+    const std::string state = obstacle == HistoryObstacle::Damage ? "is damaged (" + why + ")" : why;
+    const auto aside = setHistoryAside(file, obstacle);
     if (!aside) {
-        tell("The history is damaged (" + why + ") and stays so: " + aside.error().message + ".");
+        tell("The history " + file + " " + state + " and stays so: " + aside.error().message + ".");
         return false;
     }
     try {
         openStore();
         insert(m_context.events());
-        tell("The history " + file + " is damaged (" + why + "); it is now " + aside.value() +
+        tell("The history " + file + " " + state + "; it is now " + aside.value() +
              ", and a new one is begun.");
         return true;
     } catch (const SQLite::Exception& what) {

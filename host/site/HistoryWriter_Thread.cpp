@@ -13,10 +13,12 @@ constexpr std::size_t kMostKept = 10000;
 
 }  // namespace
 
-HistoryWriter::Thread::Thread(HistoryLock lock, std::string path, HistoryOptions options)
+HistoryWriter::Thread::Thread(HistoryLock lock, std::string path, std::string identity,
+                              HistoryOptions options)
     : queue(options.mostQueued, options.flushEvery),
       file(std::move(path)),
       m_lock(std::move(lock)),
+      m_identity(std::move(identity)),
       m_options(std::move(options)),
       m_retention(m_options.retentionDays) {}
 
@@ -52,11 +54,15 @@ void HistoryWriter::Thread::write(const std::vector<HistoryEvent>& taken) {
             m_kept.clear();
             for (const HistoryEvent& event : taken)
                 m_context.note(event);
-            if (std::exchange(m_failing, false)) tell("The history " + file + " is being written again.");
+            if (std::exchange(m_failing, false)) {
+                queue.setFailing("");
+                tell("The history " + file + " is being written again.");
+            }
             return queue.done(written, {}, std::exchange(m_deleted, 0));
         } catch (const SQLite::Exception& what) {
             m_store.reset();  // rolls back
-            if (again && isDamage(what) && beginAnew(what.what())) continue;
+            const auto obstacle = obstacleIn(what);
+            if (again && obstacle && beginAnew(*obstacle, what.what())) continue;
             return giveUp(taken, what.what());
         }
     }
@@ -83,20 +89,32 @@ std::uint64_t HistoryWriter::Thread::insert(const std::vector<HistoryEvent>& eve
 }
 
 void HistoryWriter::Thread::giveUp(const std::vector<HistoryEvent>& taken, const std::string& why) {
+    queue.setFailing("the history " + file + " cannot be written: " + why);
     if (!std::exchange(m_failing, true)) tell("The history " + file + " cannot be written: " + why + ".");
     std::vector<StoredLoss> lost;
     std::uint64_t count = 0;
     for (const HistoryEvent& event : taken) {
         if (const auto* loss = std::get_if<StoredLoss>(&event)) lost.push_back(*loss);
         const auto* notification = std::get_if<StoredNotification>(&event);
-        if (!notification && !std::holds_alternative<StoredLoss>(event) && m_kept.size() < kMostKept)
-            m_kept.push_back(event);
+        if (!notification && !std::holds_alternative<StoredLoss>(event)) m_kept.push_back(event);
         if (!notification) continue;
         lost.push_back({notification->station, notification->started, notification->started, 1});
         ++count;
     }
+    keepNewestArchives(m_kept);
+    boundKept();
     queue.countFailed(count);
     queue.done(0, lost, 0);
+}
+
+// The newest go: what is kept is then whole up to a moment.
+void HistoryWriter::Thread::boundKept() {
+    std::size_t bytes = 0, fit = 0;
+    while (fit < m_kept.size() && fit < kMostKept && bytes <= HistoryQueue::kMostEventBytes)
+        bytes += sizeOf(m_kept[fit++]);
+    if (bytes > HistoryQueue::kMostEventBytes) --fit;
+    queue.countDropped(m_kept.size() - fit);
+    m_kept.erase(m_kept.begin() + static_cast<std::ptrdiff_t>(fit), m_kept.end());
 }
 
 void HistoryWriter::Thread::tell(const std::string& sentence) const {

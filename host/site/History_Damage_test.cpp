@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "host/site/HistoryFile.hpp"
+#include "host/site/SiteCopy.hpp"
+#include "host/site/SiteFile.hpp"
 #include "host/site/testing/HistoryBench.hpp"
 
 namespace vigil {
@@ -115,6 +117,39 @@ TEST_F(HistoryDamage, IsForItsOwnerAlone) {
     }
 }
 
+TEST_F(HistoryDamage, SetsTheHistoryOfAnotherSiteAsideAndTellsNothingOfIt) {
+    ASSERT_TRUE(SiteFile::create(site()));
+    writer()->append(kRoof, std::nullopt, kStart, batch(1));
+    EXPECT_THAT(temperatures(kRoof), ElementsAre(1));
+    writer()->append(kRoof, std::nullopt, kStart.plus(1), batch(2));
+    EXPECT_THAT(temperatures(kRoof), ElementsAre(1, 2));
+    EXPECT_TRUE(told.empty());
+
+    fs::remove(site());
+    ASSERT_TRUE(SiteFile::create(site()));
+    const auto refused = HistoryReader::open(site());
+    ASSERT_FALSE(refused);
+    EXPECT_THAT(refused.error().message, HasSubstr("belongs to another site"));
+    writer()->append(kRoof, std::nullopt, kStart, batch(3));
+    EXPECT_THAT(temperatures(kRoof), ElementsAre(3));
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_THAT(told[0], HasSubstr("belongs to another site; it is now " + file() + ".other-site-"));
+}
+
+TEST_F(HistoryDamage, StaysWithASiteThatIsImportedFromItsOwnCopy) {
+    ASSERT_TRUE(SiteFile::create(site()));
+    writer()->append(kRoof, std::nullopt, kStart, batch(1));
+    std::ofstream lines(folder.path() + "/lines");
+    ASSERT_TRUE(exportSiteLines(site(), [&](std::string_view line) { return bool(lines << line); }));
+    lines.close();
+    ASSERT_TRUE(exportSite(site(), folder.path() + "/copy", false));
+    for (const char* from : {"/lines", "/copy"}) {
+        ASSERT_TRUE(importSite(folder.path() + from, site(), /*replace=*/true));
+        EXPECT_THAT(temperatures(kRoof), ElementsAre(1)) << from;
+    }
+    EXPECT_TRUE(told.empty());
+}
+
 TEST_F(HistoryDamage, SaysThatThereIsNoneYet) {
     const auto opened = HistoryReader::open(site());
     ASSERT_FALSE(opened);
@@ -152,10 +187,12 @@ TEST_F(HistoryDamage, WritesAgainWhenTheFileCanBeWrittenAgainAndTellsWhatWasLost
         to->fired(kRoof, kFrost, kStart.plus(1), kStart.plus(1), kStart.plus(1));
         to->flush();
         EXPECT_EQ(to->counts().failed, 1U);
+        EXPECT_THAT(to->counts().failing, HasSubstr("cannot be written: "));
     }
     to->append(kRoof, std::nullopt, kStart.plus(2), batch(3));
     to->flush();
     EXPECT_THAT(temperatures(kRoof), ElementsAre(1, 3));
+    EXPECT_EQ(to->counts().failing, "");
     EXPECT_EQ(reader()->losses(kRoof).value().size(), 1U);
     EXPECT_EQ(reader()->fires(kFrost).value().size(), 1U);
     EXPECT_THAT(told, ElementsAre(HasSubstr("cannot be written"), HasSubstr("is being written again")));

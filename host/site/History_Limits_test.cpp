@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/site/HistoryArchives.hpp"
 #include "host/site/HistoryFile.hpp"
+#include "host/site/HistoryQueue.hpp"
 #include "host/site/testing/HistoryBench.hpp"
 
 namespace vigil {
@@ -34,6 +36,74 @@ TEST_F(HistoryLimits, RefusesTheNewestWhenTooManyWaitAndWritesTheLossDown) {
     EXPECT_EQ(losses[0].count, 7U);
     EXPECT_EQ(losses[0].from, kStart.plus(3));
     EXPECT_EQ(losses[0].to, kStart.plus(9));
+}
+
+PlugInRecord large(RecordId id, char filled, std::size_t bytes) {
+    return {
+        .id = id, .station = kRoof, .className = "", .title = "Large", .archive = std::string(bytes, filled)};
+}
+
+TEST_F(HistoryLimits, KeepsTheNewestArchiveOfEachPlugInWhereAllOfThemDoNotFit) {
+    constexpr std::size_t kMega = std::size_t{1} << 20;
+    {
+        auto opened = HistoryWriter::open(site(), {.flushEvery = std::chrono::minutes(1)});
+        ASSERT_TRUE(opened);
+        HistoryWriter& to = *opened.value();
+        to.archived(large(kFrost, 'a', kMega), kStart, ArchiveReason::Began);
+        to.started(kFrost, kStart, WatchReason::Run);
+        for (int i = 0; i < 100; ++i)
+            to.archived(large(kFrost, static_cast<char>('b' + i % 20), kMega), kStart.plus(i + 1),
+                        ArchiveReason::Edited);
+        EXPECT_EQ(to.counts().dropped, 0U);
+        to.flush();
+        EXPECT_EQ(to.counts().dropped, 0U);
+    }
+    const auto kept = reader()->archives(kFrost).value();
+    EXPECT_LE(kept.size(), HistoryQueue::kMostEventBytes / kMega);
+    ASSERT_FALSE(kept.empty());
+    EXPECT_EQ(kept.back().from, kStart.plus(100));
+    EXPECT_EQ(reader()->watches(kFrost).value().size(), 1U);
+}
+
+TEST_F(HistoryLimits, DropsAndCountsWhatDoesNotFitAtAll) {
+    auto opened = HistoryWriter::open(site(), {.flushEvery = std::chrono::minutes(1)});
+    ASSERT_TRUE(opened);
+    HistoryWriter& to = *opened.value();
+    for (RecordId id = 1; id <= 5; ++id)
+        to.archived(large(id, 'x', HistoryQueue::kMostEventBytes / 4), kStart, ArchiveReason::Began);
+    EXPECT_EQ(to.counts().dropped, 2U) << "each is a little more than a quarter";
+    to.flush();
+    EXPECT_EQ(reader()->plugIns().value().size(), 3U);
+}
+
+TEST(HistoryEvents, AnEditThatIsReplacedByASavedStateStaysAnEdit) {
+    const auto archive = [](const char* text, double date, ArchiveReason reason) {
+        return HistoryEvent(
+            ArchiveTaken{std::make_shared<const PlugInRecord>(PlugInRecord{.id = kFrost, .archive = text}),
+                         Date(date), reason});
+    };
+    std::vector<HistoryEvent> events{archive("a", 1, ArchiveReason::Began), WatchBegan{kFrost, Date(1), WatchReason::Run},
+                                     archive("b", 2, ArchiveReason::Saved)};
+    keepNewestArchives(events);
+    ASSERT_EQ(events.size(), 2U);
+    const auto& kept = std::get<ArchiveTaken>(events[0]);
+    EXPECT_EQ(kept.plugIn->archive, "b");
+    EXPECT_EQ(kept.reason, ArchiveReason::Edited);
+    EXPECT_EQ(kept.date, Date(2));
+}
+
+TEST(HistoryArchives, TakesASavedStateOnceAnHourAndWhereItDiffers) {
+    HistoryArchives archives;
+    const auto wants = [&](const char* text, double at, ArchiveReason reason) {
+        return archives.wants({.id = kFrost, .archive = text}, kStart.plus(at), reason);
+    };
+    EXPECT_TRUE(wants("a", 0, ArchiveReason::Began));
+    EXPECT_FALSE(wants("b", 3599, ArchiveReason::Saved));
+    EXPECT_FALSE(wants("a", 3600, ArchiveReason::Saved));
+    EXPECT_TRUE(wants("b", 3600, ArchiveReason::Saved));
+    EXPECT_FALSE(wants("c", 3700, ArchiveReason::Saved));
+    EXPECT_TRUE(wants("b", 3700, ArchiveReason::Edited));
+    EXPECT_TRUE(wants("d", -10, ArchiveReason::Saved)) << "the clock was set back";
 }
 
 TEST_F(HistoryLimits, RefusesANotificationWithoutAFiniteTime) {

@@ -16,7 +16,7 @@ SiteDatabase& prepared(SiteDatabase& database) {
 const char* const kPutEffect =
     "INSERT INTO effects (id, fire, plugIn, station, title, kind, what, state, queued, started, ended, "
     "result, "
-    "detail) VALUES (?1, (SELECT id FROM fires WHERE id = ?2), (SELECT id FROM plugIns WHERE id = ?3), "
+    "detail) VALUES (?1, ?2, (SELECT id FROM plugIns WHERE id = ?3), "
     "?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13) "
     "ON CONFLICT (id) DO UPDATE SET fire = excluded.fire, plugIn = excluded.plugIn, station = "
     "excluded.station, "

@@ -80,7 +80,8 @@ TEST_F(SiteCopies, aCopyTakesNoOtherFilesPlaceUnlessItMay) {
 TEST_F(SiteCopies, linesReadAsTheyAreDocumented) {
     EXPECT_EQ(
         linesOf(golden()),
-        "{\"format\":\"vigil-site\",\"version\":1,\"highestId\":45}\n"
+        "{\"format\":\"vigil-site\",\"version\":1,\"highestId\":45,"
+        "\"identity\":\"0123456789abcdef0123456789abcdef\"}\n"
         "{\"station\":{\"id\":1,\"name\":\"Roof\",\"feed\":\"upload://127.0.0.1:8090/\",\"usUnits\":true,"
         "\"units\":[[\"windSpeed\",\"kn\"],[\"barometer\",\"hPa\"]],\"rolling\":[\"windSpeed mean 10\"]}}\n"
         "{\"station\":{\"id\":3,\"name\":\"Pönd\",\"feed\":\"\",\"usUnits\":false,\"units\":[],\"rolling\":[]"

@@ -67,6 +67,7 @@ struct EffectQuery {
     std::size_t limit = 100;               ///< the newest so many
     std::optional<std::string> title{};    ///< of the plug-in, as it was when it acted
     std::optional<std::string> station{};  ///< as it was called then
+    bool failed = false;                   ///< only those that ended and did not succeed
 };
 
 /// A site: stations, plug-ins and their archives, fires and effects, in one SQLite database
@@ -146,6 +147,10 @@ class SiteFile {
 
     /// The highest id that a fire or effect of this file has ever had.
     Result<RecordId> highestId() const;
+
+    /// Tells this site from every other one, also from one that is made in its place. Copies and what is
+    /// imported from them have their original's.
+    Result<std::string> identity() const;
 
   private:
     SiteFile(std::string path, Access access, std::unique_ptr<SiteLock> lock,

@@ -98,6 +98,7 @@ Result<std::vector<EffectRecord>> SiteFile::effects(const EffectQuery& query) co
         if (query.since) where += " AND queued >= :since";
         if (query.title) where += " AND title = :title";
         if (query.station) where += " AND station = :station";
+        if (query.failed) where += " AND state = 'ended' AND result <> 'succeeded'";
         SQLite::Statement newest(m_database->sql(),
                                  "SELECT * FROM (" +
                                      allEffects(where + " ORDER BY queued DESC, id DESC LIMIT :limit") +
@@ -157,6 +158,14 @@ Result<SiteSummary> SiteFile::summary() const {
 Result<RecordId> SiteFile::highestId() const {
     return asked<RecordId>(m_path,
                            [&] { return RecordId{m_database->sql().execAndGet(kHighestId).getInt64()}; });
+}
+
+Result<std::string> SiteFile::identity() const {
+    return asked<std::string>(m_path, [&] {
+        return m_database->sql()
+            .execAndGet("SELECT value FROM metaTexts WHERE name = 'identity'")
+            .getString();
+    });
 }
 
 }  // namespace vigil

@@ -69,6 +69,7 @@ void expectTheGoldenSite(const SiteFile& site) {
     EXPECT_EQ(effects[2].fire, 0);
     EXPECT_EQ(site.fire(41).value()->time, Date(815000000.125));
     EXPECT_EQ(site.highestId().value(), 45);
+    EXPECT_EQ(site.identity().value(), "0123456789abcdef0123456789abcdef");
 }
 
 TEST_F(SiteVersions, aFileOfEachVersionIsRead) {

@@ -147,6 +147,12 @@ Result<Done> readSiteLines(std::istream& from, SQLite::Database& to) {
         set.bind(1, highest->get<RecordId>());
         set.exec();
     }
+    const auto identity = head.find("identity");
+    if (identity != head.end() && identity->is_string() && !identity->get<std::string>().empty()) {
+        SQLite::Statement set(to, "UPDATE metaTexts SET value = ? WHERE name = 'identity'");
+        set.bind(1, identity->get<std::string>());
+        set.exec();
+    }
     transaction.commit();
     return Done{};
 }

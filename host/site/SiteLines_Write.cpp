@@ -105,13 +105,16 @@ Result<Done> exportSiteLines(const std::string& site, const LineSink& sink, cons
     if (!opened) return Error{opened.error().message};
     const auto highest = opened.value()->highestId();
     if (!highest) return highest.error();
+    const auto identity = opened.value()->identity();
+    if (!identity) return identity.error();
     return asked<Done>(site, [&]() -> Result<Done> {
         SiteDatabase database(site, Access::Read);
         database.sql().exec("BEGIN");  // one moment for all tables
         Lines lines(database.sql(), sink, progress);
         const bool whole = lines.write({{"format", kSiteLinesFormat},
                                         {"version", kSiteLinesVersion},
-                                        {"highestId", highest.value()}}) &&
+                                        {"highestId", highest.value()},
+                                        {"identity", identity.value()}}) &&
                            lines.table("station", "stations", kStationColumns, stationOrNothing) &&
                            lines.table("plugIn", "plugIns", kPlugInColumns, readPlugIn) &&
                            lines.table("fire", "fires", kFireColumns, readFire) &&

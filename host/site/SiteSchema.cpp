@@ -13,6 +13,11 @@ CREATE TABLE meta (
     value INTEGER NOT NULL
 ) STRICT, WITHOUT ROWID;
 
+CREATE TABLE metaTexts (
+    name TEXT NOT NULL PRIMARY KEY,
+    value TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+
 CREATE TABLE stations (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     name TEXT NOT NULL UNIQUE CHECK (name <> ''),
@@ -42,7 +47,7 @@ CREATE INDEX firesOpen ON fires (id) WHERE completed = 0;
 
 CREATE TABLE effects (
     id INTEGER PRIMARY KEY,
-    fire INTEGER REFERENCES fires (id) ON DELETE SET NULL,
+    fire INTEGER,
     plugIn INTEGER REFERENCES plugIns (id) ON DELETE SET NULL,
     station TEXT NOT NULL,
     title TEXT NOT NULL,
@@ -68,6 +73,7 @@ SELECT
 FROM effects;
 
 INSERT INTO meta (name, value) VALUES ('clean', 1), ('highestId', 0);
+INSERT INTO metaTexts (name, value) VALUES ('identity', lower(hex(randomblob(16))));
 )sql";
 
 void setVersion(SQLite::Database& database, int version) {

@@ -11,7 +11,8 @@ def main():
         ran = it.folder / "ran.txt"
         it.script("gust.sh", f'#!/bin/sh\necho "$1" >> {ran}\n')
         it.vigil("site", "create")
-        it.vigil("station", "create", "Home", "--feed", f"upload://127.0.0.1:{port}/")
+        it.vigil("station", "create", "Home", "--feed", f"upload://127.0.0.1:{port}/", "--unit",
+                 "windGust=km/h")
         it.vigil("monitor", "create", "Gust", "--station", "Home", "--condition", "windGust.unitValue > 60",
                  "--retrigger", "15", "--action", "Run script=gust.sh roof", "--active")
         it.start()

@@ -89,6 +89,7 @@ void RecordedFeed::bring() {
     }
     RawMessage message;
     message.route = std::move(m_next->station);
+    message.recorded = m_next->time;
     message.ready = std::move(m_next->readings);
     if (m_options.shifts) message.ready = shifted(*message.ready, m_outlet->now().secondsSince(m_next->time));
     m_next.reset();

@@ -72,6 +72,8 @@ TEST_F(Recordings, AFileIsReplayedSixtyTimesAsFastAndAsIfItWereNow) {
         EXPECT_GE(timeOfFirst(message), began);
         EXPECT_LT(std::abs(timeOfFirst(message).secondsSince(message.arrived)), 1);
     }
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(sink->messages()[i].recorded->isoText(), "2013-01-01T06:0" + std::to_string(i) + ":00Z");
     EXPECT_EQ(sink->lastState().words, "3 notifications, no more");
 }
 

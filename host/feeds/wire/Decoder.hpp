@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,8 @@ struct RawMessage {
     std::string payload{};  ///< a line, a body, the fields of a query
     Date arrived;
     bool retained = false;
+    /// Of a recording: when it was recorded, whatever time its readings bear now.
+    std::optional<Date> recorded{};
     /// From a feed that has readings, not bytes (a simulation, a recorded file); then `payload` is empty.
     std::shared_ptr<const Readings> ready{};
 };

@@ -83,7 +83,10 @@ void LinesReader::take(const object& given, const RawMessage& message, std::vect
 }
 
 Packet readyPacket(const RawMessage& message) {
-    Packet packet{.identity = message.route, .arrived = message.arrived, .retained = message.retained};
+    Packet packet{.identity = message.route,
+                  .arrived = message.arrived,
+                  .retained = message.retained,
+                  .recorded = message.recorded};
     packet.readings.reserve(message.ready->entries().size());
     for (const AgentProperty& entry : message.ready->entries()) {
         PacketReading& reading = packet.readings.emplace_back();

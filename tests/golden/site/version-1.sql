@@ -6,6 +6,11 @@ CREATE TABLE meta (
     value INTEGER NOT NULL
 ) STRICT, WITHOUT ROWID;
 
+CREATE TABLE metaTexts (
+    name TEXT NOT NULL PRIMARY KEY,
+    value TEXT NOT NULL
+) STRICT, WITHOUT ROWID;
+
 CREATE TABLE stations (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     name TEXT NOT NULL UNIQUE CHECK (name <> ''),
@@ -35,7 +40,7 @@ CREATE INDEX firesOpen ON fires (id) WHERE completed = 0;
 
 CREATE TABLE effects (
     id INTEGER PRIMARY KEY,
-    fire INTEGER REFERENCES fires (id) ON DELETE SET NULL,
+    fire INTEGER,
     plugIn INTEGER REFERENCES plugIns (id) ON DELETE SET NULL,
     station TEXT NOT NULL,
     title TEXT NOT NULL,
@@ -61,6 +66,7 @@ SELECT
 FROM effects;
 
 INSERT INTO meta VALUES ('clean', 1), ('highestId', 40);
+INSERT INTO metaTexts VALUES ('identity', '0123456789abcdef0123456789abcdef');
 INSERT INTO stations VALUES (1, 'Roof', 'upload://127.0.0.1:8090/', 1, '[["windSpeed","kn"],["barometer","hPa"]]', '["windSpeed mean 10"]');
 INSERT INTO stations VALUES (3, 'Pönd', '', 0, '[]', '[]');
 INSERT INTO plugIns VALUES (2, 1, 'QRVVigilPlugIn', 'Frost', '{"format":"vigil-archive","version":1,"root":null}', 3);
