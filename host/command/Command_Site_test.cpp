@@ -14,9 +14,7 @@
 
 namespace vigil {
 namespace {
-
-using testing::HasSubstr;
-using testing::StartsWith;
+using testing::HasSubstr, testing::StartsWith;
 
 std::string takeText(std::FILE* file) {
     std::string text;
@@ -239,11 +237,11 @@ TEST_F(SiteCommand, checksASite) {
     EXPECT_EQ(whole.results, site() + " holds together.\n");
     {
         const auto open = SiteFile::open(site(), Access::Write);
-        const RecordId station = open.value()->addStation({.name = "Home"}).value();
-        ASSERT_TRUE(open.value()->addPlugIn({.station = station, .title = "Frost", .archive = "nonsense"}));
+        const auto home = open.value()->addStation({.name = "Home"}).value();
+        ASSERT_TRUE(open.value()->addPlugIn({.station = home, .title = "Frost", .archive = "nonsense"}));
     }
     const Outcome damaged = run({"site", "check"});
-    EXPECT_EQ(damaged.status, ExitStatus::No);
+    EXPECT_EQ(damaged.status, ExitStatus::No) << damaged.results;
     EXPECT_EQ(damaged.results, "the monitor \"Frost\": no archive\n");
     EXPECT_EQ(run({"site", "vacuum"}).status, ExitStatus::Yes);
 }

@@ -82,7 +82,8 @@ TEST(HistoryEvents, AnEditThatIsReplacedByASavedStateStaysAnEdit) {
             ArchiveTaken{std::make_shared<const PlugInRecord>(PlugInRecord{.id = kFrost, .archive = text}),
                          Date(date), reason});
     };
-    std::vector<HistoryEvent> events{archive("a", 1, ArchiveReason::Began), WatchBegan{kFrost, Date(1), WatchReason::Run},
+    std::vector<HistoryEvent> events{archive("a", 1, ArchiveReason::Began),
+                                     WatchBegan{kFrost, Date(1), WatchReason::Run},
                                      archive("b", 2, ArchiveReason::Saved)};
     keepNewestArchives(events);
     ASSERT_EQ(events.size(), 2U);
