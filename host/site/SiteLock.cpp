@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 namespace vigil {
@@ -25,6 +24,15 @@ long readId(int descriptor) {
     return id;
 }
 
+/// Of the whole file, held by the open file and not by the process, so that it lasts as long as its
+/// descriptor.
+struct flock writeLock() {
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    return whole;
+}
+
 SiteError locked(const std::string& site, long id) {
     const std::string who = id > 0 ? "process " + std::to_string(id) : std::string("another process");
     return {.kind = SiteError::Kind::Locked,
@@ -41,13 +49,14 @@ Result<std::unique_ptr<SiteLock>, SiteError> SiteLock::take(const std::string& s
             .kind = SiteError::Kind::Environment,
             .message = path + ": " + std::strerror(errno) + "; the site needs this file to be locked"};
     auto lock = std::make_unique<SiteLock>(descriptor);
-    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+    struct flock whole = writeLock();
+    while (::fcntl(descriptor, F_OFD_SETLK, &whole) != 0) {
         if (errno == EINTR) continue;
         const int failure = errno;
         const long id = readId(descriptor);
         lock->m_descriptor = -1;  // not ours: the id inside stays
         ::close(descriptor);
-        if (failure == EWOULDBLOCK) return locked(site, id);
+        if (failure == EAGAIN || failure == EACCES) return locked(site, id);
         return SiteError{.kind = SiteError::Kind::Environment,
                          .message = path + ": " + std::strerror(failure) + "; this disk takes no locks"};
     }
@@ -66,8 +75,9 @@ SiteLock::~SiteLock() {
 long SiteLock::holder(const std::string& site) {
     const int descriptor = ::open(lockPath(site).c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) return 0;
-    // A shared lock that is not given means that somebody holds the other kind.
-    const bool held = ::flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    // Asked, never taken: even a shared lock for a moment would turn away a service that starts in it.
+    struct flock whole = writeLock();
+    const bool held = ::fcntl(descriptor, F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK;
     const long id = held ? readId(descriptor) : 0;
     ::close(descriptor);
     return id;
