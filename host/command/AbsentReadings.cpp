@@ -5,24 +5,13 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "host/command/KeyNote.hpp"
+
 namespace vigil {
 namespace {
 
 /// Names that are listed; a station with hundreds of readings needs no page of them.
 constexpr std::size_t kMostListed = 30;
-
-std::set<std::string> keysOf(const ConditionNode& condition) {
-    std::set<std::string> keys;
-    std::vector<const ConditionNode*> open = {&condition};
-    while (!open.empty()) {
-        const ConditionNode* node = open.back();
-        open.pop_back();
-        if (const Comparison* comparison = node->comparison()) keys.insert(comparison->key);
-        for (const ConditionNode& part : node->parts())
-            open.push_back(&part);
-    }
-    return keys;
-}
 
 }  // namespace
 

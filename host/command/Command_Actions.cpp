@@ -7,6 +7,7 @@
 #include "host/command/Commands.hpp"
 #include "host/command/Printable.hpp"
 #include "host/command/SiteChoice.hpp"
+#include "host/command/TimeText.hpp"
 #include "host/run/EffectLedger.hpp"
 #include "host/services/SystemClock.hpp"
 
@@ -33,12 +34,6 @@ std::string stateText(const EffectRecord& effect) {
     return effect.result;
 }
 
-std::string localText(Date date) {
-    const LocalTime time = systemLocalTime(date);
-    return fmt::format("{}-{:02}-{:02} {:02}:{:02}:{:02}", time.year, time.month, time.day, time.hour,
-                       time.minute, time.second);
-}
-
 std::string jsonLine(const EffectRecord& effect) {
     nlohmann::ordered_json json{{"queued", effect.queued.isoText(3)},
                                 {"station", effect.station},
@@ -56,7 +51,7 @@ std::string jsonLine(const EffectRecord& effect) {
 }
 
 void print(const EffectRecord& effect, Output& output) {
-    output.print("{}  {}{}  {} \"{}\"  {}{}\n", localText(effect.queued),
+    output.print("{}  {}{}  {} \"{}\"  {}{}\n", timeForPeople(effect.queued),
                  effect.title.empty() ? "?" : printable(effect.title), effect.fire == 0 ? " (test)" : "",
                  effectKindName(effect.kind), printable(effect.what), isFailure(effect) ? "! " : "",
                  stateText(effect));
@@ -88,7 +83,7 @@ void list(const ActionsOptions& options, CommandContext& context) {
     if (!options.monitor.empty()) query.title = options.monitor;
     if (!options.station.empty()) query.station = options.station;
     if (!options.since.empty()) {
-        const auto since = parseDate(options.since);
+        const auto since = timeFromUser(options.since, systemNow());
         if (!since) {
             context.output.error("--since: " + since.error().message);
             context.status = ExitStatus::BadInput;
@@ -126,7 +121,9 @@ void addActionsCommand(CLI::App& app, CommandContext& context) {
     addSiteOption(*command, options->site);
     command->add_option("--monitor", options->monitor, "Of this monitor only")->type_name("TITLE");
     command->add_option("--station", options->station, "Of this station only")->type_name("NAME");
-    command->add_option("--since", options->since, "From this time on, as 2026-11-21T10:00:00Z")
+    command
+        ->add_option("--since", options->since,
+                     "From then on: 2026-11-20, 2026-11-20T10:34Z, \"3 days ago\", -3h; local without a zone")
         ->type_name("TIME");
     command->add_option("--limit", options->limit, "The newest so many (100)")
         ->type_name("N")

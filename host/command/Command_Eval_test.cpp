@@ -69,7 +69,8 @@ TEST_F(CheckAndEval, checkPointsAtTheMistake) {
     EXPECT_TRUE(
         outcome.errors.ends_with("\n"
                                  "  windChill.unitValue < 10 OR windSpeed > 25\n"
-                                 "                              ^~~~~~~~~\n"))
+                                 "                              ^~~~~~~~~\n"
+                                 "vigil: did you mean windSpeed.unitValue?\n"))
         << outcome.errors;
 }
 

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 #include <simdjson.h>
@@ -16,6 +17,9 @@
 
 namespace vigil {
 namespace {
+
+/// What the monitor says where no comparison holds.
+constexpr std::string_view kNothingNamed = "Alert was caused by .";
 
 struct ExplainOptions {
     std::string condition;  // with --batch the file, if any
@@ -38,7 +42,7 @@ void appendExplanation(std::string& to, const Explanation& explanation) {
 }
 
 std::string explainedLine(const RecordedNotification& notification, const Explanation& explanation,
-                          bool json) {
+                          bool holds, bool json) {
     if (json) {
         const double seconds = notification.time.secondsSinceReference();
         std::string line = R"({"time":")" + notification.time.isoText(seconds == std::floor(seconds) ? 0 : 6);
@@ -50,7 +54,8 @@ std::string explainedLine(const RecordedNotification& notification, const Explan
     }
     std::string line = notification.time.description() + "  ";
     if (!notification.station.empty()) line += notification.station + "  ";
-    line += explanation.status;
+    const bool nothing = !holds && explanation.status == kNothingNamed;
+    line += nothing ? std::string("does not hold") : explanation.status;
     if (explanation.failure == Explanation::Failure::Range)
         line += "  (cannot be explained: a piece of the condition's text has no blank)";
     if (explanation.failure == Explanation::Failure::Parse)
@@ -72,11 +77,12 @@ void explainAll(RecordedSource& source, const std::shared_ptr<ConditionPredicate
         if (!next.value()) break;
         const auto& readings = next.value()->readings;
         absent.note(*readings);
+        const bool holds = condition->evaluateWithObject(readings->view());
         context.output.write(
-            explainedLine(*next.value(), explainer.explain(condition, readings), options.json));
+            explainedLine(*next.value(), explainer.explain(condition, readings), holds, options.json));
         if (prompt) context.output.flush();
         ++explained;
-        held += condition->evaluateWithObject(readings->view()) ? 1 : 0;
+        held += holds ? 1 : 0;
     }
     report.finish();
     absent.tell(context.output);

@@ -83,6 +83,11 @@ TEST_F(ExplainCommand, theStatusIsNoWhereTheConditionNeverHeld) {
     EXPECT_THAT(outcome.results, HasSubstr("Alert was caused by wind that is now 30.\n"));
 }
 
+TEST_F(ExplainCommand, saysToPeopleThatNothingHolds) {
+    const Outcome outcome = run({"explain", "temp.unitValue < 10", file("a.csv", kTwoRows)});
+    EXPECT_THAT(outcome.results, HasSubstr("2026-01-01 00:00:00 +0000  does not hold\n"));
+}
+
 TEST_F(ExplainCommand, printsOneObjectALine) {
     const Outcome outcome = run({"explain", "--json", "temp.unitValue < 10", file("a.csv", kTwoRows)});
     EXPECT_EQ(

@@ -10,6 +10,7 @@
 #include "host/command/HistoryExport.hpp"
 #include "host/command/JsonText.hpp"
 #include "host/command/ReadingLines.hpp"
+#include "host/command/TimeText.hpp"
 
 namespace vigil {
 namespace {
@@ -44,7 +45,7 @@ std::string stationLine(const OpenHistory& history, const StoredStation& station
         fmt::format("{:<24} {:>12} notification{} {:>9}", history.stationName(station.id),
                     station.notifications, station.notifications == 1 ? " " : "s", sizeText(station.bytes));
     if (station.first && station.last)
-        line += fmt::format("  {} to {}", station.first->isoText(), station.last->isoText());
+        line += fmt::format("  {} to {}", timeForPeople(*station.first), timeForPeople(*station.last));
     if (lost > 0) line += fmt::format("  ({} lost)", lost);
     return line + "\n";
 }
@@ -53,6 +54,7 @@ void listHistory(const HistoryCommand& command, CommandContext& context) {
     const auto history = openHistory(command.choice, context);
     if (!history) return;
     for (const StoredStation& station : history->stations) {
+        if (station.notifications == 0 && station.name.empty()) continue;  // was removed
         const auto losses = history->reader->losses(station.id);
         std::uint64_t lost = 0;
         for (const StoredLoss& loss : losses ? losses.value() : std::vector<StoredLoss>())

@@ -7,11 +7,16 @@
 
 #include "host/command/Commands.hpp"
 #include "host/command/ConditionAnswer.hpp"
+#include "host/command/MinutesCheck.hpp"
+#include "host/command/MonitorNotes.hpp"
 #include "host/command/MonitorSite.hpp"
+#include "host/command/PeopleName.hpp"
 #include "host/command/Refusal.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/command/SiteRunner.hpp"
+#include "host/kit/LiveWorld.hpp"
 #include "host/kit/MonitorModule.hpp"
+#include "host/services/SystemClock.hpp"
 
 namespace vigil {
 namespace {
@@ -28,11 +33,13 @@ struct MonitorOptions {
     bool json = false;
 };
 
-/// Takes over what was said of a monitor. Nothing where all of it was.
-std::optional<Refusal> apply(const MonitorOptions& options, OpenMonitor& monitor, CommandContext& context) {
+/// Takes over what was said of a monitor. Nothing where all of it was; `left` says what is so where a
+/// condition is none.
+std::optional<Refusal> apply(const MonitorOptions& options, OpenMonitor& monitor, CommandContext& context,
+                             const char* left) {
     if (options.condition) {
         const auto condition = conditionFromUser(*options.condition, context);
-        if (!condition) return badInput("the monitor was left as it was");
+        if (!condition) return badInput(left);
         monitor.set("predicate", Value(std::static_pointer_cast<Object>(condition)));
     }
     if (options.retrigger) monitor.set("retriggerInterval", Value(*options.retrigger));
@@ -81,9 +88,19 @@ std::optional<Refusal> show(MonitorSite& monitors, const MonitorOptions& options
     return monitors.show(monitors.stored(record.value()), options.json);
 }
 
+void tellNotes(const OpenMonitor& monitor, const StationRecord& station, MonitorNotes how,
+               CommandContext& context) {
+    how.scriptsFolder = defaultScriptsFolder();
+    how.now = systemNow();
+    for (const std::string& note : monitorNotes(monitor, station, how))
+        context.output.error(note);
+}
+
 std::optional<Refusal> create(MonitorSite& monitors, const MonitorOptions& options, CommandContext& context) {
     SiteFile& site = monitors.site();
-    const auto title = options.titled ? Result<std::string>(options.title) : monitors.unusedTitle();
+    const auto typed = nameFromUser("a monitor's title", options.title);
+    if (!typed) return badInput(typed.error().message);
+    const auto title = options.titled ? typed : monitors.unusedTitle();
     if (!title) return environment(title.error());
     if (title.value().empty()) return badInput("a monitor needs a title");
     if (const auto there = site.plugInTitled(title.value()); there && there.value())
@@ -93,7 +110,7 @@ std::optional<Refusal> create(MonitorSite& monitors, const MonitorOptions& optio
     if (!station) return station.error();
     const auto monitor = OpenMonitor::make(station.value().name, title.value(), monitors.helper());
     if (!monitor) return environment(monitor.error());
-    if (auto refusal = apply(options, *monitor.value(), context)) return refusal;
+    if (auto refusal = apply(options, *monitor.value(), context, "no monitor was made")) return refusal;
     auto stored = monitor.value()->stored();
     if (!stored) return environment(stored.error());
     const auto added = site.addPlugIn({.station = station.value().id,
@@ -101,6 +118,7 @@ std::optional<Refusal> create(MonitorSite& monitors, const MonitorOptions& optio
                                        .title = title.value(),
                                        .archive = stored.value().archive});
     if (!added) return environment(added.error());
+    tellNotes(*monitor.value(), station.value(), {.judgesDefault = !options.condition}, context);
     tellRunner(site, context);
     return monitors.show(stored.value(), options.json);
 }
@@ -110,19 +128,28 @@ std::optional<Refusal> edit(MonitorSite& monitors, const MonitorOptions& options
     auto found = monitors.titled(options.title);
     if (!found) return found.error();
     PlugInRecord record = std::move(found).value();
-    const std::string title = options.newTitle.value_or(options.title);
+    std::string title = options.title;
+    if (options.newTitle) {
+        const auto typed = nameFromUser("a monitor's title", *options.newTitle);
+        if (!typed) return badInput(typed.error().message);
+        title = typed.value();
+    }
+    if (title.empty()) return badInput("a monitor needs a title");
     const auto other = site.plugInTitled(title);
-    if (title.empty() || (title != options.title && other && other.value()))
-        return badInput("the title \"" + title + "\" cannot be used");
+    if (title != options.title && other && other.value())
+        return badInput("the title \"" + title + "\" cannot be used: another monitor has it");
     const auto monitor = monitors.open(record);
     if (!monitor) return environment(monitor.error());
     monitor.value()->setTitle(title);
-    if (auto refusal = apply(options, *monitor.value(), context)) return refusal;
+    if (auto refusal = apply(options, *monitor.value(), context, "the monitor was left as it was"))
+        return refusal;
     auto stored = monitor.value()->stored();
     if (!stored) return environment(stored.error());
     record.title = title;
     record.archive = stored.value().archive;
     if (const auto changed = site.editPlugIn(record); !changed) return environment(changed.error());
+    tellNotes(*monitor.value(), monitors.stationOf(record), {.waitChanged = options.retrigger.has_value()},
+              context);
     tellRunner(site, context);
     return monitors.show(stored.value(), options.json);
 }
@@ -153,7 +180,7 @@ void addSettings(CLI::App& command, MonitorOptions& options) {
         ->type_name("CONDITION");
     command.add_option("--retrigger", options.retrigger, "Minutes to wait after a fire")
         ->type_name("MINUTES")
-        ->check(CLI::Range(0.0, 1e9));
+        ->check(minutesCheck());
     command
         .add_option("--on-change", options.onChange,
                     "true: judge only readings that are newer and have changed")

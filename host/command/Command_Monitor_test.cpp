@@ -38,11 +38,15 @@ class MonitorCommand : public testing::Test {
   protected:
     MonitorCommand() {
         fs::create_directories(m_folder);
+        setenv("XDG_CONFIG_HOME", m_folder.c_str(), 1);
         EXPECT_TRUE(SiteFile::create(site()));
         for (const char* name : {"Roof", "Pond"})
             EXPECT_TRUE(SiteFile::open(site(), Access::Write).value()->addStation({.name = name}));
     }
-    ~MonitorCommand() override { fs::remove_all(m_folder); }
+    ~MonitorCommand() override {
+        unsetenv("XDG_CONFIG_HOME");
+        fs::remove_all(m_folder);
+    }
 
     /// `vigil monitor …` on a site of the test's own.
     Outcome run(std::vector<std::string> arguments) const {
@@ -62,6 +66,7 @@ class MonitorCommand : public testing::Test {
         return {status, takeText(results), takeText(errors)};
     }
     std::string site() const { return (m_folder / "home.vigilsite").string(); }
+    std::string scripts() const { return (m_folder / "vigil/scripts").string(); }
     /// All that it holds.
     std::string contents() const {
         std::string lines;
@@ -83,7 +88,7 @@ TEST_F(MonitorCommand, createsAMonitorThroughItsEditorsAndShowsIt) {
              "--retrigger", "0.5", "--active", "true", "--action", "Run script=notify.sh a  b", "--action",
              "Play Sound=bell.wav", "--action", "Speak Text=It freezes = stay in", "--action",
              "Speak Conditions=No"});
-    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.errors, "vigil: there is no script \"notify.sh\" in " + scripts() + " yet\n");
     EXPECT_EQ(outcome.status, ExitStatus::Yes);
     const std::string shown =
         "Frost (active, station Roof)\n"
@@ -98,10 +103,15 @@ TEST_F(MonitorCommand, createsAMonitorThroughItsEditorsAndShowsIt) {
 }
 
 TEST_F(MonitorCommand, aNewMonitorIsTheDefaultOne) {
-    EXPECT_EQ(run({"create", "Plain"}).results,
+    const Outcome made = run({"create", "Plain"});
+    EXPECT_EQ(
+        made.errors,
+        "vigil: it has the default condition; its script row names no script yet; not active: `vigil monitor "
+        "edit 'Plain' --active`\n");
+    EXPECT_EQ(made.results,
               "Plain (not active, station Pond)\n"
               "  condition  windChill.unitValue < 10 OR windSpeed.unitValue > 25\n"
-              "  waits      1 minutes after a fire\n"
+              "  waits      1 minute after a fire\n"
               "  action 1   Run script: \n");
 }
 
@@ -192,7 +202,7 @@ TEST_F(MonitorCommand, needsNoTitleAndIsActiveAtAWord) {
 TEST_F(MonitorCommand, changesASiteThatIsRunAndSaysWhoHasToHearOfIt) {
     run({"create", "A", "--condition", "t.unitValue < 0"});
     const auto running = SiteFile::open(site(), Access::Write);
-    const Outcome outcome = run({"edit", "A", "--active"});
+    const Outcome outcome = run({"edit", "A", "--active", "--action", "Speak Text=a"});
     EXPECT_EQ(outcome.status, ExitStatus::Yes);
     const std::string id = std::to_string(getpid());
     EXPECT_EQ(outcome.errors, "vigil: process " + id +

@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -31,6 +32,8 @@ void refuse(CommandContext& context, ExitStatus status, const std::string& why) 
 
 void write(const Result<Plot>& plot, const std::string& file, CommandContext& context) {
     if (!plot) return refuse(context, ExitStatus::No, plot.error().message);
+    for (const std::string& key : plot.value().absent)
+        context.output.error("no reading \"" + key + "\" is stored of that time; it is not drawn");
     const std::string svg = plotSvg(plot.value());
     if (file == "-") return context.output.write(svg);
     std::ofstream out(file, std::ios::binary | std::ios::trunc);
@@ -88,6 +91,9 @@ void addPlotCommand(CLI::App& app, CommandContext& context) {
         "  vigil plot --monitor Frost --since \"3 days ago\" -o frost.svg\n"
         "  vigil plot --station Roof --keys outsideTemp,dewPoint --since 2026-11-01 -o november.svg");
     command->callback([options, keys, &context] {
+        const std::string kind = std::filesystem::path(options->file).extension().string();
+        if (!kind.empty() && kind != ".svg")
+            throw CLI::ValidationError("--output", "the drawing is SVG; expected a name that ends with .svg");
         if (keys->count() > 0)
             plotStation(*options, context);
         else

@@ -133,13 +133,19 @@ void addReplayCommand(CLI::App& app, CommandContext& context) {
         "  vigil replay station.csv --condition 'windSpeed.unitValue > 25'\n"
         "  vigil replay station.csv --condition 'outsideTemp.unitValue < 0' --retrigger 60 --trace --json\n"
         "  vigil replay --monitor Frost --since \"3 days ago\"");
-    command->callback([options, file, condition, monitor, &context] {
+    command->callback([options, command, file, condition, monitor, &context] {
         if (monitor->count() > 0) {
+            for (const char* of : {"--retrigger", "--on-change", "--units", "--station", "--separator",
+                                   "--time-column", "--station-column"})
+                if (command->get_option(of)->count() > 0)
+                    throw CLI::ValidationError(of, "is for FILE and --condition; --monitor has its own");
             options->history.trace = options->trace;
             options->history.json = options->json;
             options->history.log = options->log;
             return replayHistory(options->history, context);
         }
+        for (const char* of : {"--site", "--since", "--until"})
+            if (command->get_option(of)->count() > 0) throw CLI::ValidationError(of, "needs --monitor");
         if (file->count() == 0) throw CLI::RequiredError("FILE");
         if (condition->count() == 0) throw CLI::RequiredError("--condition");
         replay(*options, context);

@@ -89,7 +89,7 @@ Result<Done> exportLines(const std::string& site, const SiteOptions& options, Ou
     if (auto made = fresh.make(); !made) return made;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(fresh.path().c_str(), "wb"),
                                                                std::fclose);
-    if (!file) return Error{fresh.path() + ": could not be written"};
+    if (!file) return Error{options.file + ": could not be written"};
     const auto written = exportSiteLines(
         site,
         [&](std::string_view line) {
@@ -97,13 +97,16 @@ Result<Done> exportLines(const std::string& site, const SiteOptions& options, Ou
         },
         progress);
     if (!written) return written;
-    if (std::fflush(file.get()) != 0) return Error{fresh.path() + ": could not be written"};
+    if (std::fflush(file.get()) != 0) return Error{options.file + ": could not be written"};
     return fresh.takePlace(/*ofAnother=*/options.force);
 }
 
 void exportTo(const SiteOptions& options, CommandContext& context) {
     const std::string site = siteOf(options.site);
     const bool toOutput = options.json && options.file == "-";
+    if (options.file == "-" && !options.json)
+        return fail(context, ExitStatus::BadInput,
+                    "standard output takes lines, not a database: - needs --json");
     if (!toOutput && wouldReplace(options.file, options.force, context)) return;
     Progress progress(context.output);
     const auto done = options.json ? exportLines(site, options, context.output, progress.teller())
@@ -121,7 +124,8 @@ void importFrom(const SiteOptions& options, CommandContext& context) {
     if (!imported) {
         // What a file says is the user's; the one thing that is not is where the site stands.
         const bool ofSite = imported.error().message.starts_with(site + ": ");
-        const bool onlyInTheWay = ofSite && !options.force && isThere(site) && SiteLock::holder(site) == 0;
+        const bool onlyInTheWay =
+            ofSite && !options.force && imported.error().message == site + ": " + std::string(kIsThere);
         return fail(context, ofSite && !onlyInTheWay ? ExitStatus::Environment : ExitStatus::BadInput,
                     imported.error().message + (onlyInTheWay ? "; --force replaces it" : ""));
     }

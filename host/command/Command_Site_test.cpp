@@ -70,8 +70,7 @@ TEST_F(SiteCommand, makesAndShowsAStation) {
     EXPECT_EQ(made.errors, "");
     const std::string shown =
         "Home (0 monitors, US units)\n"
-        "  feed       upload://127.0.0.1:8090/\n"
-        "  reads      temperature in °F, wind in mph, rain in in\n"
+        "  feed       upload://127.0.0.1:8090/\n  reads      temperature in °F, wind in mph, rain in in\n"
         "  unit       windSpeed in kn\n"
         "  rolling    windSpeed mean 10\n"
         "  rolling    outsideTemp below 0\n";
@@ -91,14 +90,12 @@ TEST_F(SiteCommand, editsOfAStationWhatIsNamedAndNothingElse) {
                    "barometer=inHg"})
                   .results,
               "House (0 monitors, metric units)\n"
-              "  feed       simulated:\n"
-              "  reads      temperature in °C, wind in m/s, rain in mm\n"
+              "  feed       simulated:\n  reads      temperature in °C, wind in m/s, rain in mm\n"
               "  unit       barometer in inHg\n"
               "  rolling    rainRate max 60\n");
     EXPECT_EQ(run({"station", "edit", "House", "--no-rolling", "--feed", ""}).results,
               "House (0 monitors, metric units)\n"
-              "  feed       none yet\n"
-              "  reads      temperature in °C, wind in m/s, rain in mm\n"
+              "  feed       none yet\n  reads      temperature in °C, wind in m/s, rain in mm\n"
               "  unit       barometer in inHg\n");
 }
 
@@ -130,7 +127,8 @@ TEST_F(SiteCommand, refusesWhatAStationDoesNotTakeAndLeavesTheSiteAlone) {
     EXPECT_EQ(refusal({"create", "Home"}),
               "vigil: a station called \"Home\" is there already; `vigil station edit` changes it\n");
     EXPECT_EQ(refusal({"create", ""}), "vigil: a station needs a name\n");
-    EXPECT_EQ(refusal({"edit", "Home", "--name", "Shed"}), "vigil: the name \"Shed\" cannot be used\n");
+    EXPECT_EQ(refusal({"edit", "Home", "--name", "Shed"}),
+              "vigil: the name \"Shed\" cannot be used: another station has it\n");
     EXPECT_EQ(refusal({"show", "Barn"}),
               "vigil: no station is called \"Barn\" in " + site() + "; there are: Home, Shed\n");
 }

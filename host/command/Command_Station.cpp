@@ -7,10 +7,13 @@
 #include <CLI/CLI.hpp>
 
 #include "host/command/Commands.hpp"
+#include "host/command/KeyNote.hpp"
+#include "host/command/PeopleName.hpp"
 #include "host/command/Refusal.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/command/SiteRunner.hpp"
 #include "host/command/StationDraft.hpp"
+#include "host/readings/RollingChoice.hpp"
 
 namespace vigil {
 namespace {
@@ -67,14 +70,29 @@ std::optional<Refusal> show(SiteFile& site, const StationOptions& options, Comma
     return print(site, station.value(), options.json, context);
 }
 
+/// Keys among what was said that are nearly those of known readings.
+void noteKeys(const StationDraft& draft, const StationRecord& station, CommandContext& context) {
+    const auto note = [&](std::string_view key, const std::vector<std::string>& own) {
+        if (const std::string text = keyNote(key, own); !text.empty()) context.output.error(text);
+    };
+    for (const std::string& unit : draft.unit)
+        if (!unit.ends_with('=')) note(unit.substr(0, unit.find('=')), rollingKeys(station.rolling));
+    // What is made of a reading is no guess at that reading's name.
+    for (const std::string& text : draft.rolling)
+        if (const auto choice = RollingChoice::parse(text)) note(choice.value().source, {});
+}
+
 std::optional<Refusal> create(SiteFile& site, const StationOptions& options, CommandContext& context) {
-    StationRecord station = {.name = options.name};
+    const auto name = nameFromUser("a station's name", options.name);
+    if (!name) return badInput(name.error().message);
+    StationRecord station = {.name = name.value()};
     if (const auto taken = apply(options.draft, station); !taken) return badInput(taken.error().message);
-    if (const auto there = site.stationNamed(options.name); there && there.value())
-        return badInput("a station called \"" + options.name +
+    if (const auto there = site.stationNamed(station.name); there && there.value())
+        return badInput("a station called \"" + station.name +
                         "\" is there already; `vigil station edit` changes it");
-    if (options.name.empty()) return badInput("a station needs a name");
+    if (station.name.empty()) return badInput("a station needs a name");
     if (const auto added = site.addStation(station); !added) return environment(added.error());
+    noteKeys(options.draft, station, context);
     tellRunner(site, context);
     return print(site, station, options.json, context);
 }
@@ -85,11 +103,16 @@ std::optional<Refusal> edit(SiteFile& site, const StationOptions& options, Comma
     StationRecord station = found.value();
     if (const auto taken = apply(options.draft, station); !taken) return badInput(taken.error().message);
     if (station.name != options.name) {
+        const auto name = nameFromUser("a station's name", station.name);
+        if (!name) return badInput(name.error().message);
+        station.name = name.value();
+        if (station.name.empty()) return badInput("a station needs a name");
         const auto other = site.stationNamed(station.name);
-        if (station.name.empty() || (other && other.value()))
-            return badInput("the name \"" + station.name + "\" cannot be used");
+        if (station.name != options.name && other && other.value())
+            return badInput("the name \"" + station.name + "\" cannot be used: another station has it");
     }
     if (const auto changed = site.editStation(station); !changed) return environment(changed.error());
+    noteKeys(options.draft, station, context);
     tellRunner(site, context);
     return print(site, station, options.json, context);
 }
@@ -119,7 +142,9 @@ void addSettings(CLI::App& command, StationDraft& draft) {
     command.add_option("--units", draft.units, "metric or us, where --unit says nothing else")
         ->type_name("SYSTEM")
         ->check(CLI::IsMember({"metric", "us"}));
-    command.add_option("--unit", draft.unit, "The unit of one reading; again for each")
+    command
+        .add_option("--unit", draft.unit,
+                    "The unit of one reading; again for each (on edit, KEY= takes it back)")
         ->type_name("KEY=UNIT")
         ->take_all()
         ->expected(1);

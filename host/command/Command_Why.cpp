@@ -35,6 +35,8 @@ void why(const WhyOptions& options, CommandContext& context) {
         const auto read = timeFromUser(options.at, systemNow());
         if (!read) return refuse(context, ExitStatus::BadInput, "--at: " + read.error().message);
         at = read.value();
+        if (*at > systemNow())
+            return refuse(context, ExitStatus::BadInput, "--at: " + timeForPeople(*at) + " is yet to come");
     }
     const auto history = openHistory(options.choice, context);
     const auto* monitor = history ? chooseMonitor(*history, options.monitor, context) : nullptr;
@@ -51,7 +53,7 @@ void why(const WhyOptions& options, CommandContext& context) {
     if (!answer.value())
         return refuse(context, ExitStatus::No,
                       "no readings of " + station + " are stored" +
-                          (at ? " from " + at->description() + " or before" : ""));
+                          (at ? " from " + timeForPeople(*at) + " or before" : ""));
     context.output.write(options.json ? whyJson(*answer.value(), monitor->title, station)
                                       : whyText(*answer.value(), monitor->title, station));
     if (answer.value()->reason != WhyAnswer::Reason::Fired) context.status = ExitStatus::No;
@@ -69,7 +71,7 @@ void addWhyCommand(CLI::App& app, CommandContext& context) {
     command
         ->add_option("--at", options->at,
                      "The last readings at that time or before; without it the latest. 2026-11-20T10:34, "
-                     "\"3 days ago\", -3h; UTC without a zone")
+                     "\"3 days ago\", -3h; local without a zone")
         ->type_name("TIME");
     command->add_flag("--json", options->json, "One JSON object");
     command->footer(

@@ -1,6 +1,7 @@
 #include "host/command/ConditionAnswer.hpp"
 
 #include "host/command/Caret.hpp"
+#include "host/command/ConditionHint.hpp"
 #include "host/command/JsonText.hpp"
 
 namespace vigil {
@@ -32,6 +33,7 @@ std::shared_ptr<ConditionPredicate> conditionFromUser(std::string_view text, Com
     const SyntaxError& error = condition.error();
     context.output.error(error.message());
     context.output.errorText(caretText(text, error.offset, error.length));
+    if (const std::string hint = conditionHint(text, error); !hint.empty()) context.output.error(hint);
     context.status = ExitStatus::BadInput;
     return nullptr;
 }

@@ -95,6 +95,7 @@ std::vector<Probe> doctorProbes(const DoctorSurroundings& surroundings) {
         {"module", [=] { return moduleProbe(surroundings); }},
         {"helper", [=] { return helperProbe(surroundings); }},
         {"shell", [=] { return shellProbe(surroundings); }},
+        {"scripts", [=] { return scriptRowsProbe(surroundings); }},
     };
 }
 

@@ -47,12 +47,13 @@ struct DoctorSurroundings {
     std::string programFolder;  ///< see `CommandContext`
     std::string siteFolder;     ///< where sites are kept unless said otherwise
     std::string scriptsFolder;
+    std::string siteFile;  ///< whose monitors' scripts are looked for; empty for none
 };
 
 /// This machine and this process.
 DoctorSurroundings doctorSurroundings(const std::string& programFolder);
 
-/// display, sound, speech, site folder, scripts folder, time zone, module, helper, shell
+/// display, sound, speech, site folder, scripts folder, time zone, module, helper, shell, scripts
 std::vector<Probe> doctorProbes(const DoctorSurroundings& surroundings);
 
 /// Looks at everything, a line each. Yes when all is well, No when there are findings, Environment when

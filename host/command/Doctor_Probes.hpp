@@ -17,6 +17,7 @@ Diagnosis timeZoneProbe(const DoctorSurroundings& here);
 Diagnosis moduleProbe(const DoctorSurroundings& here);
 Diagnosis helperProbe(const DoctorSurroundings& here);
 Diagnosis shellProbe(const DoctorSurroundings& here);
+Diagnosis scriptRowsProbe(const DoctorSurroundings& here);
 
 /// Whether it is a file that this process may execute.
 bool isProgram(const std::string& path);

@@ -8,6 +8,10 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "host/command/MonitorDraft.hpp"
+#include "host/command/OpenMonitor.hpp"
+#include "host/kit/MonitorModule.hpp"
+#include "host/site/SiteFile.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace vigil {
@@ -180,6 +184,31 @@ TEST_F(DoctorProbes, TheInstallationHasItsModuleItsHelperAndAShell) {
     expect(shellProbe(m_here), State::Well, "/bin/sh");
     m_here.programFolder = VIGIL_BINARY_DIR "/bin";
     expect(moduleProbe(m_here), State::Well, "loads");
+}
+
+TEST_F(DoctorProbes, TheScriptsOfTheSitesRowsAreThere) {
+    expect(scriptRowsProbe(m_here), State::Well, "no site yet");
+    m_here.programFolder = VIGIL_BINARY_DIR "/bin";
+    m_here.siteFile = "/home.vigilsite";
+    expect(scriptRowsProbe(m_here), State::Well, "no site yet");
+    ASSERT_TRUE(SiteFile::create(m_here.root + m_here.siteFile));
+    ASSERT_TRUE(loadMonitorModule(m_here.programFolder));
+    {
+        const auto site = SiteFile::open(m_here.root + m_here.siteFile, Access::Edit);
+        const RecordId station = site.value()->addStation({.name = "Home"}).value();
+        const std::string archive =
+            archiveText({.condition = "t.unitValue < 0", .scripts = {"gust.sh roof", "mail.sh"}});
+        ASSERT_TRUE(site.value()->addPlugIn(
+            {.station = station, .className = kMonitorClass, .title = "Gust", .archive = archive}));
+    }
+    folder("/settings/vigil/scripts");
+    file("/settings/vigil/scripts/mail.sh");
+    const Diagnosis missing = scriptRowsProbe(m_here);
+    expect(missing, State::Finding, "missing: gust.sh (\"Gust\")");
+    EXPECT_EQ(missing.says.find("mail.sh"), std::string::npos);
+    EXPECT_EQ(missing.remedy, "put them into /settings/vigil/scripts, or edit those monitors");
+    file("/settings/vigil/scripts/gust.sh");
+    expect(scriptRowsProbe(m_here), State::Well, "2 script rows, and every script is there");
 }
 
 }  // namespace

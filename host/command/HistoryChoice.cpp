@@ -66,7 +66,7 @@ void addHistoryOptions(CLI::App& command, HistoryChoice& choice) {
         ->type_name("FILE");
     command
         .add_option("--since", choice.since,
-                    "From then on: 2026-11-20, 2026-11-20T10:34Z, \"3 days ago\", -3h; UTC without a zone")
+                    "From then on: 2026-11-20, 2026-11-20T10:34Z, \"3 days ago\", -3h; local without a zone")
         ->type_name("TIME");
     command.add_option("--until", choice.until, "Before then, in the same forms")->type_name("TIME");
 }
@@ -82,6 +82,13 @@ std::optional<OpenHistory> openHistory(const HistoryChoice& choice, CommandConte
     if (!readTime("--since", choice.since, history.range.since, context) ||
         !readTime("--until", choice.until, history.range.until, context))
         return std::nullopt;
+    if (history.range.since && history.range.until && *history.range.since >= *history.range.until) {
+        context.output.error(fmt::format("--since, {}, is not before --until, {}",
+                                         timeForPeople(*history.range.since),
+                                         timeForPeople(*history.range.until)));
+        context.status = ExitStatus::BadInput;
+        return std::nullopt;
+    }
     const std::string file = choice.site.empty() ? SiteFile::defaultFile() : choice.site;
     auto reader = HistoryReader::open(file);
     if (!reader) return tell(reader, context), std::nullopt;

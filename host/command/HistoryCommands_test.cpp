@@ -21,7 +21,7 @@ TEST_F(HistoryCommands, listsWhatIsStoredOfEachStation) {
     const Outcome list = run({"history"});
     EXPECT_EQ(list.status, ExitStatus::Yes);
     EXPECT_THAT(list.results, AllOf(HasSubstr("Roof"), HasSubstr("169 notifications"),
-                                    HasSubstr("2026-04-14T18:00:00Z to 2026-04-15T08:00:00Z")));
+                                    HasSubstr("2026-04-14 18:00:00 +0000 to 2026-04-15 08:00:00 +0000")));
     const Outcome json = run({"history", "--json"});
     EXPECT_THAT(json.results,
                 testing::StartsWith(
@@ -120,6 +120,33 @@ TEST_F(HistoryCommands, replaysFromTheMiddleOfAWaitAndOverEditsAndPauses) {
         EXPECT_EQ(run({"replay", "--monitor", "Frost", "--since", since}).status, ExitStatus::Yes) << since;
 }
 
+TEST_F(HistoryCommands, replayRefusesWhatItDoesNotObey) {
+    night(frost());
+    for (const char* of : {"--since", "--until", "--site"}) {
+        const Outcome file = run({"replay", VIGIL_SOURCE_DIR "/examples/frost-night.csv", "--condition",
+                                  "outsideTemp.unitValue < 0", of, "-3h"},
+                                 /*ofSite=*/false);
+        EXPECT_EQ(file.status, ExitStatus::BadInput) << of;
+        EXPECT_THAT(file.errors, HasSubstr(std::string(of) + ": needs --monitor"));
+    }
+    const Outcome monitor = run({"replay", "--monitor", "Frost", "--retrigger", "5"});
+    EXPECT_EQ(monitor.status, ExitStatus::BadInput);
+    EXPECT_THAT(monitor.errors, HasSubstr("--retrigger: is for FILE and --condition"));
+}
+
+TEST_F(HistoryCommands, refusesTimesThatHoldNothing) {
+    night(frost());
+    const Outcome turned = run({"history", "--station", "Roof", "--since", "-1h", "--until", "-2h"});
+    EXPECT_EQ(turned.status, ExitStatus::BadInput);
+    EXPECT_THAT(turned.errors, HasSubstr("is not before --until"));
+    const Outcome empty = run({"history", "--station", "Roof", "--until", "2020-01-01"});
+    EXPECT_EQ(empty.status, ExitStatus::No);
+    EXPECT_THAT(empty.errors, HasSubstr("no readings of Roof are stored of that time"));
+    const Outcome future = run({"why", "--monitor", "Frost", "--at", "9999-01-01"});
+    EXPECT_EQ(future.status, ExitStatus::BadInput);
+    EXPECT_THAT(future.errors, HasSubstr("is yet to come"));
+}
+
 TEST_F(HistoryCommands, tellsWhereReplayAndRecordDiffer) {
     {
         Service service(site());
@@ -145,10 +172,31 @@ TEST_F(HistoryCommands, drawsAMonitorAndAStation) {
     EXPECT_EQ(station.status, ExitStatus::Yes) << station.errors;
     EXPECT_THAT(station.results,
                 AllOf(HasSubstr("Barometer (sea level), hPa"), Not(HasSubstr("condition holds"))));
+    const Outcome some = run({"plot", "--station", "Roof", "--keys", "outsideTemp,rain", "-o", "-"});
+    EXPECT_EQ(some.status, ExitStatus::Yes);
+    EXPECT_THAT(some.errors, HasSubstr("no reading \"rain\" is stored of that time; it is not drawn"));
+    EXPECT_EQ(run({"plot", "--monitor", "Frost", "-o", path("frost.png")}).status, ExitStatus::BadInput);
+    EXPECT_FALSE(fs::exists(path("frost.png")));
     const Outcome unknown = run({"plot", "--station", "Roof", "--keys", "outsideTmp", "-o", "-"});
     EXPECT_EQ(unknown.status, ExitStatus::No);
     EXPECT_THAT(unknown.errors,
                 HasSubstr("no reading \"outsideTmp\" is stored of that time; there are barometer"));
+}
+
+TEST_F(HistoryCommands, drawsATextAndADateAsBlocks) {
+    {
+        Service service(site());
+        for (int i = 0; i < 10; ++i)
+            service.notify(
+                kEvening.plus(i * 60),
+                Readings::make({AgentProperty::text("windDirText", i < 5 ? "NNW" : "ESE", kEvening),
+                                AgentProperty::date("sunrise", Date(794826000), kEvening)}),
+                /*watched=*/false);
+    }
+    const Outcome drawn = run({"plot", "--station", "Roof", "--keys", "windDirText,sunrise", "-o", "-"});
+    EXPECT_EQ(drawn.status, ExitStatus::Yes) << drawn.errors;
+    EXPECT_THAT(drawn.results, AllOf(HasSubstr("NNW"), HasSubstr("ESE"), HasSubstr("2026 ")));
+    EXPECT_THAT(drawn.results, Not(HasSubstr("stroke-width=\"1.6\""))) << "no line of numbers";
 }
 
 }  // namespace

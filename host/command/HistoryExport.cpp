@@ -70,7 +70,9 @@ void writeReadings(const OpenHistory& history, const StoredStation& station,
             write(line);
         },
         context);
-    if (count && *count == 0 && context.status == ExitStatus::Yes) context.status = ExitStatus::No;
+    if (!count || *count > 0 || context.status != ExitStatus::Yes) return;
+    context.output.error("no readings of " + name + " are stored of that time");
+    context.status = ExitStatus::No;
 }
 
 void exportReadings(const OpenHistory& history, const StoredStation& station, const std::string& file,

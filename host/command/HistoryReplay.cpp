@@ -6,6 +6,7 @@
 #include "host/command/ReadingLines.hpp"
 #include "host/command/ReplayLines.hpp"
 #include "host/command/ReplayLog.hpp"
+#include "host/command/TimeText.hpp"
 #include "host/kit/InterfaceFile.hpp"
 #include "host/kit/MonitorModule.hpp"
 #include "host/kit/StandardLog.hpp"
@@ -37,8 +38,8 @@ std::string json(const MonitorCycle& cycle, bool fires, bool trace) {
 
 std::string text(const MonitorCycle& cycle, bool fires, bool trace) {
     std::string line = cycle.replayed
-                           ? replayLine(*cycle.replayed, trace)
-                           : fmt::format("{}  unwatched\n", cycle.notification.started.description());
+                           ? replayLine(*cycle.replayed, trace, [](Date date) { return timeForPeople(date); })
+                           : fmt::format("{}  unwatched\n", timeForPeople(cycle.notification.started));
     if (fires == cycle.firedThen) return line;
     line.pop_back();
     return line + (fires ? "  (did not fire then)\n" : "  (fired then)\n");

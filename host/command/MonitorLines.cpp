@@ -22,7 +22,8 @@ bool flag(const Value& value) {
 std::string monitorLines(const StoredMonitor& stored, const OpenMonitor& monitor) {
     std::string text = stored.title + " (" + (flag(monitor.get("evaluating")) ? "active" : "not active") +
                        ", station " + stored.station + ")\n  condition  " + monitor.condition() + "\n";
-    text += "  waits      " + number(monitor.get("retriggerInterval")) + " minutes after a fire\n";
+    const std::string minutes = number(monitor.get("retriggerInterval"));
+    text += "  waits      " + minutes + (minutes == "1" ? " minute" : " minutes") + " after a fire\n";
     if (flag(monitor.get("triggerOnlyOnChange")))
         text += "  judges     only readings that are newer and have changed\n";
     std::size_t row = 0;

@@ -44,11 +44,14 @@ Result<std::string> MonitorSite::unusedTitle() const {
     }
 }
 
-StoredMonitor MonitorSite::stored(const PlugInRecord& record) const {
-    std::string station;
+StationRecord MonitorSite::stationOf(const PlugInRecord& record) const {
     for (const StationRecord& one : m_stations)
-        if (one.id == record.station) station = one.name;
-    return {.title = record.title, .station = std::move(station), .archive = record.archive};
+        if (one.id == record.station) return one;
+    return {};
+}
+
+StoredMonitor MonitorSite::stored(const PlugInRecord& record) const {
+    return {.title = record.title, .station = stationOf(record).name, .archive = record.archive};
 }
 
 Result<std::unique_ptr<OpenMonitor>> MonitorSite::open(const PlugInRecord& record) const {

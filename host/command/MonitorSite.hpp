@@ -28,6 +28,8 @@ class MonitorSite {
     /// A title of its own where nobody gives one: "Vigil", "Vigil 2", …
     Result<std::string> unusedTitle() const;
 
+    /// The station that a monitor watches.
+    StationRecord stationOf(const PlugInRecord& record) const;
     StoredMonitor stored(const PlugInRecord& record) const;
     Result<std::unique_ptr<OpenMonitor>> open(const PlugInRecord& record) const;
     /// Prints it.

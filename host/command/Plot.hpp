@@ -57,6 +57,7 @@ struct Plot {
     std::vector<PlotSpan> waits{};      ///< the monitor waited after a fire
     std::vector<PlotSpan> unwatched{};  ///< nobody judged
     std::vector<Date> fires{};
+    std::vector<std::string> absent{};    ///< keys that were asked for and that nothing held
     std::function<LocalTime(Date)> zone;  ///< what times of day are shown in
 };
 

@@ -29,8 +29,16 @@ class Collector {
             m_plot.series.push_back({.key = key, .name = key, .unit = ""});
     }
 
+    /// Whether it is drawn as a line or as blocks is told by the first reading of that key.
+    void watch(const std::string& key) { m_open.push_back(key); }
+
     void add(Date time, const Readings& readings) {
         m_times.push_back({time, 0});
+        std::erase_if(m_open, [&](const std::string& key) {
+            const auto* reading = readings.objectForKey(key);
+            if (reading) watch(key, reading->type() == kTextType || reading->type() == kDateType);
+            return reading != nullptr;
+        });
         for (PlotSeries& series : m_plot.series)
             if (const auto* reading = readings.objectForKey(series.key)) {
                 series.name = reading->name();
@@ -48,10 +56,14 @@ class Collector {
 
     Result<Plot> finish(const HistoryRange& range) {
         if (m_times.empty()) return Error{"no readings are stored of that time"};
+        m_plot.absent = m_open;
         for (const auto& [key, text] : m_keys)
-            if (!m_known.contains(key))
-                return Error{fmt::format("no reading \"{}\" is stored of that time; there are {}", key,
-                                         fmt::join(m_known, ", "))};
+            if (!m_known.contains(key)) m_plot.absent.push_back(key);
+        std::erase_if(m_plot.series, [](const PlotSeries& one) { return one.points.empty(); });
+        std::erase_if(m_plot.texts, [](const PlotTexts& one) { return one.blocks.empty(); });
+        if (!m_plot.absent.empty() && m_plot.series.empty() && m_plot.texts.empty())
+            return Error{fmt::format("no reading \"{}\" is stored of that time; there are {}",
+                                     fmt::join(m_plot.absent, "\", \""), fmt::join(m_known, ", "))};
         m_plot.since = range.since.value_or(m_times.front().time);
         m_plot.until = range.until.value_or(m_times.back().time);
         m_plot.zone = systemLocalTime;
@@ -65,7 +77,9 @@ class Collector {
 
     void addText(PlotTexts& texts, Date time, const AgentProperty& reading) {
         texts.name = reading.name();
-        const std::string text = reading.stringValue();
+        const bool date = reading.type() == kDateType;
+        const std::string text =
+            date ? localText(Date(reading.value()), systemLocalTime) : reading.stringValue();
         if (!texts.blocks.empty()) texts.blocks.back().to = time;
         if (texts.blocks.empty() || texts.blocks.back().text != text)
             texts.blocks.push_back({time, time, text});
@@ -73,6 +87,7 @@ class Collector {
 
     Plot m_plot{};
     std::vector<std::pair<std::string, bool>> m_keys;
+    std::vector<std::string> m_open;
     std::vector<PlotPoint> m_times;
     std::set<std::string> m_known;
 };
@@ -145,7 +160,7 @@ Result<Plot> plotOfStation(const OpenHistory& history, const StoredStation& stat
                            const std::vector<std::string>& keys) {
     Collector collector;
     for (const std::string& key : keys)
-        collector.watch(key, /*text=*/false);
+        collector.watch(key);
     const auto source = history.reader->source(station.id, history.range);
     if (!source) return source.error();
     for (;;) {

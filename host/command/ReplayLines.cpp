@@ -39,10 +39,11 @@ std::string replayJson(const ReplayedCycle& cycle, bool trace) {
     return line + "}\n";
 }
 
-std::string replayLine(const ReplayedCycle& cycle, bool trace) {
-    std::string line = fmt::format("{}  {:<7}", cycle.time.description(), outcomeName(cycle.outcome));
+std::string replayLine(const ReplayedCycle& cycle, bool trace,
+                       const std::function<std::string(Date)>& shown) {
+    std::string line = fmt::format("{}  {:<7}", shown(cycle.time), outcomeName(cycle.outcome));
     if (!cycle.station.empty()) line += "  " + cycle.station;
-    if (cycle.outcome == CycleOutcome::Fired && cycle.next) line += "  next " + cycle.next->description();
+    if (cycle.outcome == CycleOutcome::Fired && cycle.next) line += "  next " + shown(*cycle.next);
     if (trace && cycle.outcome != CycleOutcome::Waiting)
         line += fmt::format("  {}", fmt::join(cycle.inputs, " "));
     while (line.back() == ' ')

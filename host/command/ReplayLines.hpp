@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include "host/command/Replay.hpp"
@@ -11,7 +12,9 @@ namespace vigil {
 std::string replayJson(const ReplayedCycle& cycle, bool trace);
 
 /// The same for people.
-std::string replayLine(const ReplayedCycle& cycle, bool trace);
+std::string replayLine(
+    const ReplayedCycle& cycle, bool trace,
+    const std::function<std::string(Date)>& shown = [](Date date) { return date.description(); });
 
 /// How the cycles of a replay ended.
 struct ReplayCounts {

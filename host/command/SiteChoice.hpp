@@ -16,6 +16,12 @@ void addSiteOption(CLI::App& command, std::string& site);
 /// The path that is meant: as given, or the user's own site.
 std::string siteOf(const std::string& site);
 
+/// Where the service of a machine keeps its site.
+inline constexpr const char* kServiceSite = "/var/lib/vigil/home.vigilsite";
+
+/// Where the user has no site of their own but the service has one, how to use that; else empty.
+std::string serviceHint(const std::string& site, const std::string& ofService = kServiceSite);
+
 /// Opens the site of `--site`; nothing where that cannot be done, and then the reason is told and the status
 /// set.
 std::unique_ptr<SiteFile> openSite(const std::string& site, Access access, CommandContext& context);

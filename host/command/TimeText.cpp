@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include <fmt/format.h>
+
 #include "host/feeds/TimeForms.hpp"
 
 namespace vigil {
@@ -44,9 +46,40 @@ std::optional<double> spanOf(std::string_view text) {
     return std::nullopt;
 }
 
+/// A calendar's time to which a zone could still be added.
+bool hasNoZone(std::string_view text) {
+    const std::string whole(text);
+    return parseDate(whole + " +00:00") || parseDate(whole + " 00:00 +00:00");
+}
+
+/// Seconds by which the zone's clocks are ahead of UTC; 0 for times that they do not show.
+double offsetAt(Date date, const TimeZone& zone) {
+    const LocalTime time = zone(date);
+    if (time.year == 0 && time.month == 0) return 0;
+    const auto shown = parseDate(fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", time.year, time.month,
+                                             time.day, time.hour, time.minute, time.second));
+    return shown ? std::round(shown.value().secondsSince(Date(std::floor(date.secondsSinceReference())))) : 0;
+}
+
+/// When the zone's clocks show what `shown` says in UTC; an hour that they leave out counts as the one after.
+Date ofClocks(Date shown, const TimeZone& zone) {
+    const Date near = shown.plus(-offsetAt(shown, zone));
+    return shown.plus(-offsetAt(near, zone));
+}
+
 }  // namespace
 
-Result<Date> timeFromUser(std::string_view given, Date now) {
+std::string timeForPeople(Date date, const TimeZone& zone) {
+    const double offset = offsetAt(date, zone);
+    std::string text = date.plus(offset).description();
+    constexpr std::string_view kUtc = "+0000";
+    if (!text.ends_with(kUtc)) return text;
+    text.resize(text.size() - kUtc.size());
+    const int minutes = static_cast<int>(std::abs(offset) / kMinute);
+    return text + fmt::format("{}{:02}{:02}", offset < 0 ? '-' : '+', minutes / 60, minutes % 60);
+}
+
+Result<Date> timeFromUser(std::string_view given, Date now, const TimeZone& zone) {
     const std::string_view text = trimmed(given);
     if (text == "now") return now;
     constexpr std::string_view kAgo = " ago";
@@ -54,7 +87,8 @@ Result<Date> timeFromUser(std::string_view given, Date now) {
     if (text.ends_with(kAgo)) before = spanOf(trimmed(text.substr(0, text.size() - kAgo.size())));
     if (text.starts_with('-')) before = spanOf(text.substr(1));
     if (before) return now.plus(-*before);
-    if (const auto date = recordedTime(text); date && !text.starts_with('-')) return date.value();
+    if (const auto date = recordedTime(text); date && !text.starts_with('-'))
+        return hasNoZone(text) ? ofClocks(date.value(), zone) : date.value();
     return Error{"\"" + std::string(given) +
                  "\" is not a time; expected one as in 2026-11-20, 2026-11-20T10:34, \"3 days ago\" or -3h"};
 }

@@ -5,6 +5,7 @@
 
 #include "host/command/JsonText.hpp"
 #include "host/command/ReadingLines.hpp"
+#include "host/command/TimeText.hpp"
 #include "host/command/WhyAnswer.hpp"
 
 namespace vigil {
@@ -77,7 +78,7 @@ std::string reasonText(const WhyAnswer& answer) {
             return "It did not fire: the condition does not hold.";
         case WhyAnswer::Reason::Waiting:
             return fmt::format("It did not judge: it waits until {} ({}).",
-                               answer.waitingUntil ? answer.waitingUntil->description() : "(null)", would);
+                               answer.waitingUntil ? timeForPeople(*answer.waitingUntil) : "(null)", would);
         case WhyAnswer::Reason::NotWatching:
             return fmt::format("It did not watch then ({}).", would);
         case WhyAnswer::Reason::NoCondition:
@@ -122,7 +123,7 @@ void appendComparison(std::string& to, const ComparisonAnswer& answer) {
 
 std::string whyText(const WhyAnswer& answer, const std::string& title, const std::string& station) {
     std::string text =
-        fmt::format("{} on {}, by the readings of {}\n", title, station, answer.time.description());
+        fmt::format("{} on {}, by the readings of {}\n", title, station, timeForPeople(answer.time));
     if (!answer.condition.empty()) text += "  " + answer.condition + "\n";
     std::size_t width = 0;
     for (const ComparisonAnswer& comparison : answer.comparisons)

@@ -70,6 +70,19 @@ std::string maskedExec(const FeedUrl& url) {
     return text;
 }
 
+/// Of a long identity its owner may know both ends again; what is between them is what counts.
+std::string maskedIdentityText(std::string_view identity) {
+    constexpr std::size_t kLongEnough = 20;
+    constexpr std::size_t kShown = 4;
+    // What was masked before stays as it is, so that masking twice is masking once.
+    if (identity.size() == 2 * kShown + kMask.size() && identity.substr(kShown, kMask.size()) == kMask)
+        return std::string(identity);
+    if (identity.size() < kLongEnough || identity.find('%') != std::string_view::npos)
+        return std::string(kMask);
+    return std::string(identity.substr(0, kShown)) + std::string(kMask) +
+           std::string(identity.substr(identity.size() - kShown));
+}
+
 std::string maskedUpload(const FeedUrl& url) {
     std::string text = url.written.substr(0, url.written.find('?'));
     std::string_view rest = url.written;
@@ -77,8 +90,9 @@ std::string maskedUpload(const FeedUrl& url) {
     while (!rest.empty()) {
         const std::string_view piece = rest.substr(0, std::min(rest.find('&', 1), rest.size()));
         rest.remove_prefix(piece.size());
-        text += piece.substr(1).starts_with("id=") ? std::string(piece.substr(0, 4)) + std::string(kMask)
-                                                   : std::string(piece);
+        text += piece.substr(1).starts_with("id=")
+                    ? std::string(piece.substr(0, 4)) + maskedIdentityText(piece.substr(4))
+                    : std::string(piece);
     }
     return text;
 }

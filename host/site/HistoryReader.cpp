@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "host/site/FileAccess.hpp"
 #include "host/site/HistoryFile.hpp"
 #include "host/site/HistoryReader_File.hpp"
 #include "host/site/HistoryReader_Source.hpp"
@@ -36,6 +37,7 @@ HistoryReader::~HistoryReader() = default;
 Result<std::unique_ptr<HistoryReader>> HistoryReader::open(const std::string& siteFile) {
     const std::string path = historyFileOf(siteFile);
     std::error_code failed;
+    if (const auto obstacle = accessObstacle(path)) return Error{"cannot read the history: " + *obstacle};
     if (!fs::exists(path, failed)) return Error{"there is no history " + path + "; \"vigil run\" keeps one"};
     try {
         auto file = std::make_unique<File>(path);

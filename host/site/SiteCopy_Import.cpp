@@ -153,7 +153,7 @@ Result<Imported> importSite(const std::string& from, const std::string& site, bo
     const bool adds = imported.form == Form::Monitors;
     std::error_code unknown;
     const bool there = fs::exists(site, unknown);
-    if (there && !adds && !replace) return Error{site + ": is there already, and was left as it is"};
+    if (there && !adds && !replace) return Error{site + ": " + std::string(kIsThere)};
     if (auto made = makeFolderOf(site); !made) return made.error();
     const auto lock = SiteLock::take(site);
     if (!lock) return Error{lock.error().message};

@@ -68,7 +68,7 @@ Result<Done> FreshFile::takePlace(bool ofAnother) const {
     // Some disks cannot promise to replace nothing; a link can, since it fails where the name is taken.
     if (outcome != 0 && !ofAnother && (errno == EINVAL || errno == ENOSYS))
         outcome = ::link(m_fresh.c_str(), m_path.c_str());
-    if (outcome != 0 && errno == EEXIST) return Error{m_path + ": is there already, and was left as it is"};
+    if (outcome != 0 && errno == EEXIST) return Error{m_path + ": " + std::string(kIsThere)};
     if (outcome != 0) return failed(m_path, errno);
     return syncFile(folderOf(m_path), O_RDONLY | O_DIRECTORY);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "platform/Result.hpp"
 
@@ -8,6 +9,9 @@ namespace vigil {
 
 /// Makes the folders above a file; those that are new are for their user alone.
 Result<Done> makeFolderOf(const std::string& path);
+
+/// What an error says behind the path of a file that nobody asked to replace.
+inline constexpr std::string_view kIsThere = "is there already, and was left as it is";
 
 /// A file under a name of its own beside `path`, which takes that place when it is complete. Where it does
 /// not, it goes with this object.

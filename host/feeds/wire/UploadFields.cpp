@@ -155,7 +155,9 @@ std::vector<UploadField> uploadFields(std::string_view text) {
 std::string maskedIdentity(std::string_view identity) {
     constexpr std::size_t kLongEnough = 12;
     constexpr std::size_t kShown = 4;
+    constexpr std::size_t kLongEnoughForBoth = 20;
     std::string masked = "***";
+    if (identity.size() >= kLongEnoughForBoth) masked = repairedUtf8(identity.substr(0, kShown)) + masked;
     if (identity.size() >= kLongEnough) masked += repairedUtf8(identity.substr(identity.size() - kShown));
     return masked;
 }

@@ -47,7 +47,7 @@ struct UploadField {
 std::vector<UploadField> uploadFields(std::string_view text);
 
 /// An identity as logs and listings show it: "***" and its last four characters where it has at least twelve,
-/// else "***" alone.
+/// the first four as well where it has at least twenty, else "***" alone.
 std::string maskedIdentity(std::string_view identity);
 
 }  // namespace vigil
