@@ -65,6 +65,7 @@ function(house_headers_alone target folder)
 endfunction()
 
 # house_tests(NAME FOLDER targets...): the folder's *_test.cpp as one program, each case a ctest of its own.
+# The time-out is for the long form under a sanitizer.
 function(house_tests name folder)
     if(NOT VIGIL_TESTS)
         return()
@@ -78,5 +79,5 @@ function(house_tests name folder)
     target_compile_definitions(${name} PRIVATE VIGIL_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                                VIGIL_BINARY_DIR="${PROJECT_BINARY_DIR}")
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
-    gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+    gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
 endfunction()

@@ -70,6 +70,18 @@ def fields(prefix, *names):
                 yield unescaped(value)
 
 
+def hand_overs():
+    """Names of stations, and whole texts."""
+    for path in sorted((VECTORS / "automation").glob("*.txt")):
+        for line in path.read_text(encoding="utf-8").split("\n"):
+            name, colon, value = line.partition(":")
+            value = value.removeprefix(" ")
+            if colon and name in ("site", "whole"):
+                yield value.encode()
+            elif colon and name in ("site-bytes", "whole-bytes"):
+                yield unescaped(value)
+
+
 def files(folder, suffix):
     for path in sorted((VECTORS / folder).glob("*" + suffix)):
         yield path.read_bytes()
@@ -83,6 +95,7 @@ SEEDS = {
     "upload": lambda: itertools.chain(fields("uploads", "path", "query", "body"), fields("wire_uploads", "message")),
     "message": lambda: itertools.chain.from_iterable(
         fields(form, "message") for form in ("wire_lines", "wire_rtl433", "wire_weewx", "wire_guessed")),
+    "hand_over": hand_overs,
     "json_lines": lambda: files("jsonlines", ".jsonl"),
 }
 

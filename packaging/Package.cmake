@@ -30,14 +30,15 @@ set(CPACK_DEBIAN_VIGIL_DESCRIPTION
     "monitors of measuring stations
 Vigil watches the readings of measuring stations. A monitor judges a
 condition on every batch of readings that a station sends, and acts when
-it holds: it runs a script, plays a sound, speaks.
+it holds: it runs a script, plays a sound, speaks, sends mail and short
+messages.
 
 The package holds the command, a service that is off until it is enabled,
 and the monitor's module.")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
-set(CPACK_DEBIAN_VIGIL_PACKAGE_RECOMMENDS "tzdata")
-set(CPACK_DEBIAN_VIGIL_PACKAGE_SUGGESTS "mosquitto, rtl-433")
+set(CPACK_DEBIAN_VIGIL_PACKAGE_RECOMMENDS "tzdata, espeak-ng")
+set(CPACK_DEBIAN_VIGIL_PACKAGE_SUGGESTS "mosquitto, rtl-433, gammu-smsd, default-mta | mail-transport-agent")
 set(scripts "${CMAKE_CURRENT_SOURCE_DIR}/debian")
 # Whatever is linked with the kit needs the package of this very version.
 file(WRITE "${PROJECT_BINARY_DIR}/packaging/shlibs" "libvigilkit ${PROJECT_VERSION_MAJOR} vigil (= ${PROJECT_VERSION})\n")

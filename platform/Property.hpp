@@ -9,13 +9,15 @@
 #include <vector>
 
 #include "platform/SharedValue.hpp"
+#include "platform/SmallLock.hpp"
 
 namespace vigil {
 
 /// A value that may be read and set from several threads at once, with observers that hear of every set, on
 /// the setting thread and outside the lock, also when the value stays equal. Reading plain bytes takes no
 /// lock; for the rest it is a mutex and a value: an atomic shared pointer would be reported as a race by
-/// thread sanitizer with the standard library in use.
+/// thread sanitizer with the standard library in use. What it takes to be observed is made for the first
+/// observer, since most properties have none at all.
 template <class T>
 class Property {
   public:
@@ -24,6 +26,7 @@ class Property {
 
     Property() = default;
     explicit Property(T value) : m_value(std::move(value)) {}
+    ~Property() { delete m_observed.load(std::memory_order_acquire); }
     Property(const Property&) = delete;
     Property& operator=(const Property&) = delete;
 
@@ -43,31 +46,46 @@ class Property {
     /// The observer is called after every set for as long as the token lives.
     [[nodiscard]] Token observe(Observer observer) {
         auto kept = std::make_shared<Observer>(std::move(observer));
-        const std::lock_guard lock(m_mutex);
+        Observed& observed = this->observed();
+        const std::lock_guard lock(observed.lock);
         auto next = std::make_shared<Observers>();
-        if (m_observers) {
-            for (const auto& weak : *m_observers)
+        if (observed.observers) {
+            for (const auto& weak : *observed.observers)
                 if (!weak.expired()) next->push_back(weak);
         }
         next->push_back(kept);
-        m_observers = std::move(next);
-        m_observed = true;
+        observed.observers = std::move(next);
         return kept;
     }
 
     /// Calls the observers as `set` does, for a value whose text is built elsewhere.
     void notify() {
-        if (!m_observed) return;
+        Observed* const observed = m_observed.load(std::memory_order_acquire);
+        if (!observed) return;
         std::shared_ptr<const Observers> observers;
         {
-            const std::lock_guard lock(m_mutex);
-            observers = m_observers;
+            const std::lock_guard lock(observed->lock);
+            observers = observed->observers;
         }
-        tell(*observers);
+        if (observers) tell(*observers);
     }
 
   private:
     using Observers = std::vector<std::weak_ptr<Observer>>;
+    struct Observed {
+        SmallLock lock;
+        std::shared_ptr<const Observers> observers;  // absent before the first has come in
+    };
+
+    // Of two threads that make it at once, one does it for nothing.
+    Observed& observed() {
+        Observed* found = m_observed.load(std::memory_order_acquire);
+        if (found) return *found;
+        auto made = std::make_unique<Observed>();
+        if (m_observed.compare_exchange_strong(found, made.get(), std::memory_order_acq_rel))
+            return *made.release();
+        return *found;
+    }
 
     static void tell(const Observers& observers) {
         for (const auto& weak : observers)
@@ -76,9 +94,7 @@ class Property {
 
     SharedValue<T> m_value;
     std::atomic<std::uint64_t> m_generation{0};
-    std::atomic<bool> m_observed{false};  // never again false: most properties have no observer at all
-    mutable std::mutex m_mutex;
-    std::shared_ptr<const Observers> m_observers;
+    std::atomic<Observed*> m_observed{nullptr};  // owned
 };
 
 /// A copy of a property's value that is renewed only when the property has been set since. One thread at a

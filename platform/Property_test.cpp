@@ -38,6 +38,28 @@ TEST(Property, AnObserverIsCalledForAsLongAsItsTokenLives) {
     EXPECT_EQ(second, 3);
 }
 
+TEST(Property, ObserversThatComeAtOnceFromSeveralThreadsAllHear) {
+    for (int round = 0; round < 200; ++round) {
+        Property<int> property;
+        std::atomic<int> heard{0};
+        Property<int>::Token tokens[2];
+        std::thread other([&] { tokens[0] = property.observe([&] { ++heard; }); });
+        tokens[1] = property.observe([&] { ++heard; });
+        property.set(1);  // while the other may come in
+        other.join();
+        heard = 0;
+        property.set(2);
+        ASSERT_EQ(heard, 2);
+    }
+}
+
+// A monitor has about fifty of them, the nodes of its rule editor counted.
+TEST(Property, TakesLittleMemoryBesideItsValueWhileNobodyObserves) {
+    EXPECT_LE(sizeof(Property<std::shared_ptr<int>>), sizeof(std::shared_ptr<int>) + 24);
+    EXPECT_LE(sizeof(Property<std::string>), sizeof(std::string) + 24);
+    EXPECT_LE(sizeof(Property<bool>), 40u);
+}
+
 TEST(Property, AnObserverMayReadSetOtherPropertiesAndLeaveDuringACall) {
     Property<int> a, b;
     Property<int>::Token token;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/PlainWords.hpp"
+#include "platform/SmallLock.hpp"
 
 namespace vigil {
 
@@ -20,19 +21,19 @@ class SharedValue {
     explicit SharedValue(T value) : m_value(std::move(value)) {}
 
     T get() const {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_lock);
         return m_value;
     }
     /// Sets the value and gives back the one before.
     T exchange(T value) {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_lock);
         std::swap(m_value, value);
         return value;
     }
 
   private:
-    mutable std::mutex m_mutex;
     T m_value{};
+    mutable SmallLock m_lock;
 };
 
 /// The same for a few plain bytes (a flag, a number, a date): writers take turns, readers take no lock. Who
@@ -56,7 +57,7 @@ requires PlainWords<T>::kPossible class SharedValue<T> {
         }
     }
     T exchange(const T& value) {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_lock);
         const T before = get();
         store(value);
         return before;
@@ -75,9 +76,9 @@ requires PlainWords<T>::kPossible class SharedValue<T> {
         m_sequence.store(before + 2, std::memory_order_release);
     }
 
-    std::mutex m_mutex;
     std::atomic<std::uint64_t> m_sequence{0};
     std::array<std::atomic<std::uint64_t>, Plain::kCount> m_words{};
+    SmallLock m_lock;
 };
 
 }  // namespace vigil

@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/feeds/NearestWord.hpp"
+#include "host/words/NearestWord.hpp"
 
 namespace vigil {
 namespace {

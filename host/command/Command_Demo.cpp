@@ -8,8 +8,9 @@
 #include "host/command/Commands.hpp"
 #include "host/command/Demo.hpp"
 #include "host/command/DemoScripts.hpp"
+#include "host/command/ServiceOptions.hpp"
+#include "host/command/SettingsChoice.hpp"
 #include "host/kit/MonitorModule.hpp"
-#include "host/services/ScriptRunner.hpp"
 
 namespace vigil {
 namespace {
@@ -77,6 +78,8 @@ void fail(CommandContext& context, const Error& error) {
 void demo(const DemoOptions& options, CommandContext& context) {
     if (const auto loaded = loadMonitorModule(context.programFolder); !loaded)
         return fail(context, loaded.error());
+    const auto settings = settingsOf(context);
+    if (!settings) return;
     const DemoScripts scripts;
     Output& output = context.output;
     const bool colour = output.isTerminal() && !std::getenv("NO_COLOR");
@@ -92,7 +95,7 @@ void demo(const DemoOptions& options, CommandContext& context) {
     run.monitor.condition = kCondition;
     run.monitor.retriggerMinutes = kRetriggerMinutes;
     run.monitor.scripts = {DemoScripts::kName};
-    run.helper = helperPath(context.programFolder);
+    run.player = playerOptions(*settings, context.programFolder);
     run.scriptsFolder = scripts.folder();
     run.seed = options.seed;
     run.notifications = static_cast<std::size_t>(options.seconds * kNotificationsASecond) + 1;

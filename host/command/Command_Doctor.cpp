@@ -19,7 +19,7 @@ void addDoctorCommand(CLI::App& app, CommandContext& context) {
         "Examples:\n  vigil doctor\n  vigil doctor --json");
     command->callback([json, site, &context] {
         DoctorSurroundings here = doctorSurroundings(context.programFolder);
-        here.siteFile = siteOf(*site);
+        if (!site->empty()) here.siteFile = *site;
         const auto probes = doctorProbes(here);
         context.status = examine(probes, *json, context.output);
     });

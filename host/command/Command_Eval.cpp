@@ -58,8 +58,8 @@ void judgeAll(RecordedSource& source, const ConditionPredicate& condition, const
     }
     report.finish();
     absent.tell(context.output);
-    if (judged == 0 && report.problems() > 0)
-        context.status = ExitStatus::BadInput;
+    if (judged == 0)
+        tellNothingCame(options.feed, report, context);
     else if (held == 0)
         context.status = ExitStatus::No;
 }

@@ -154,6 +154,17 @@ TEST_F(CheckAndEval, evalEndsAsItsInputDoes) {
     EXPECT_EQ(run({"eval"}).status, ExitStatus::BadInput);
 }
 
+TEST_F(CheckAndEval, saysWhyNothingWasJudged) {
+    const std::string empty = file("");
+    EXPECT_EQ(run({"eval", "t.unitValue > 2", empty}).errors, "vigil: " + empty + " holds no notification\n");
+    EXPECT_EQ(run({"eval", "t.unitValue > 2", empty}).status, ExitStatus::No);
+    const std::string path = file("time,station,t\n2026-01-01,Roof,5\n2026-01-02,Barn,1\n");
+    const Outcome outcome = run({"eval", "t.unitValue > 2", path, "--station", "Shed"});
+    EXPECT_EQ(outcome.status, ExitStatus::BadInput);
+    EXPECT_EQ(outcome.errors, "vigil: there is no notification of a station \"Shed\" in " + path +
+                                  "; there are those of \"Barn\", \"Roof\"\n");
+}
+
 TEST_F(CheckAndEval, batchAnswersEachLineInItsPlace) {
     const Outcome outcome = run({"eval", "--batch",
                                  file("{\"condition\":\"a.unitValue > 1\",\"readings\":{\"a\":2}}\n"

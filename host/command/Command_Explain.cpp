@@ -86,8 +86,8 @@ void explainAll(RecordedSource& source, const std::shared_ptr<ConditionPredicate
     }
     report.finish();
     absent.tell(context.output);
-    if (explained == 0 && report.problems() > 0)
-        context.status = ExitStatus::BadInput;
+    if (explained == 0)
+        tellNothingCame(options.feed, report, context);
     else if (held == 0)
         context.status = ExitStatus::No;
 }

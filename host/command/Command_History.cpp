@@ -53,18 +53,21 @@ std::string stationLine(const OpenHistory& history, const StoredStation& station
 void listHistory(const HistoryCommand& command, CommandContext& context) {
     const auto history = openHistory(command.choice, context);
     if (!history) return;
+    bool any = false;
     for (const StoredStation& station : history->stations) {
         if (station.notifications == 0 && station.name.empty()) continue;  // was removed
         const auto losses = history->reader->losses(station.id);
         std::uint64_t lost = 0;
         for (const StoredLoss& loss : losses ? losses.value() : std::vector<StoredLoss>())
             lost += loss.count;
+        if (station.notifications == 0 && lost == 0) continue;  // new, or removed: nothing is kept of it
+        any = true;
         context.output.write(command.json ? stationJson(*history, station, lost)
                                           : stationLine(*history, station, lost));
     }
     if (!command.json)
         context.output.print("{} in {}\n", sizeText(history->reader->bytes()), history->reader->file());
-    if (history->stations.empty()) context.status = ExitStatus::No;
+    if (!any) context.status = ExitStatus::No;
 }
 
 void history(const HistoryCommand& command, CommandContext& context) {

@@ -10,11 +10,12 @@
 #include "host/command/MinutesCheck.hpp"
 #include "host/command/MonitorNotes.hpp"
 #include "host/command/MonitorSite.hpp"
+#include "host/command/MonitorTest.hpp"
 #include "host/command/PeopleName.hpp"
 #include "host/command/Refusal.hpp"
+#include "host/command/SettingsChoice.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/command/SiteRunner.hpp"
-#include "host/kit/LiveWorld.hpp"
 #include "host/kit/MonitorModule.hpp"
 #include "host/services/SystemClock.hpp"
 
@@ -59,10 +60,11 @@ using Run = std::optional<Refusal> (*)(MonitorSite&, const MonitorOptions&, Comm
 void onSite(const MonitorOptions& options, Access access, CommandContext& context, Run run) {
     if (const auto loaded = loadMonitorModule(context.programFolder); !loaded)
         return tell(context, environment(loaded.error()));
-    auto site = openSite(options.site, access, context);
+    const auto path = siteOf(options.site, context);
+    if (!path) return;
+    auto site = openSite(*path, access, context);
     if (!site) {
-        if (const std::string hint = monitorsFromBefore(options.site); !hint.empty())
-            context.output.error(hint);
+        if (const std::string hint = monitorsFromBefore(*path); !hint.empty()) context.output.error(hint);
         return;
     }
     auto stations = site->stations();
@@ -90,7 +92,7 @@ std::optional<Refusal> show(MonitorSite& monitors, const MonitorOptions& options
 
 void tellNotes(const OpenMonitor& monitor, const StationRecord& station, MonitorNotes how,
                CommandContext& context) {
-    how.scriptsFolder = defaultScriptsFolder();
+    how.scriptsFolder = effective(settingsOrDefaults()).run.scripts;
     how.now = systemNow();
     for (const std::string& note : monitorNotes(monitor, station, how))
         context.output.error(note);
@@ -169,10 +171,7 @@ std::optional<Refusal> test(MonitorSite& monitors, const MonitorOptions& options
     if (!record) return record.error();
     const auto monitor = monitors.open(record.value());
     if (!monitor) return environment(monitor.error());
-    monitor.value()->perform("testSound:");
-    context.output.print("Tested \"{}\": rows that play or speak were run, scripts and messages were not.\n",
-                         options.title);
-    return std::nullopt;
+    return testMonitor(*monitor.value(), options.title, context);
 }
 
 void addSettings(CLI::App& command, MonitorOptions& options) {

@@ -83,12 +83,10 @@ void replay(const ReplayOptions& options, CommandContext& context) {
     const bool whole = replayAll(*source, run, told, absent, now, context);
     report.finish();
     absent.tell(context.output);
+    if (whole && counts.notifications == 0) return tellNothingCame(options.feed, report, context);
     if (!options.json) context.output.write(counts.sentence());
     if (!whole) return;
-    if (counts.notifications == 0 && report.problems() > 0)
-        context.status = ExitStatus::BadInput;
-    else if (counts.fired == 0)
-        context.status = ExitStatus::No;
+    if (counts.fired == 0) context.status = ExitStatus::No;
 }
 
 }  // namespace

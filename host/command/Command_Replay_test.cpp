@@ -152,6 +152,9 @@ TEST_F(ReplayCommand, refusesWhatItCannotUseWithTheReason) {
         EXPECT_EQ(run({"replay", path, "--condition", "t.unitValue > 2", "--retrigger", minutes}).status,
                   ExitStatus::BadInput)
             << minutes;
+    const Outcome other = run({"replay", path, "--condition", "t.unitValue > 2", "--station", "Shed"});
+    EXPECT_EQ(other.status, ExitStatus::BadInput);
+    EXPECT_NE(other.errors.find("no notification of a station \"Shed\""), std::string::npos) << other.errors;
     EXPECT_EQ(run({"replay", path + "x", "--condition", "t.unitValue > 2"}).status, ExitStatus::Environment);
     const Outcome nothing = run({"replay", path, "--condition", "t.unitValue > 2"}, m_folder.string());
     EXPECT_EQ(nothing.status, ExitStatus::Environment);

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <future>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -12,13 +13,18 @@
 #include "host/command/CommandLine.hpp"
 #include "host/command/Commands.hpp"
 #include "host/command/GapReport.hpp"
+#include "host/command/RunChoice.hpp"
+#include "host/command/ServiceOptions.hpp"
+#include "host/command/SettingsChoice.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/kit/StandardLog.hpp"
 #include "host/run/HealthPort.hpp"
+#include "host/run/ProcessMemory.hpp"
 #include "host/run/RunningSite.hpp"
 #include "host/run/Secrets.hpp"
 #include "host/run/ServiceManager.hpp"
 #include "host/run/Signals.hpp"
+#include "host/run/SignsOfLife.hpp"
 #include "host/run/SiteSocket.hpp"
 #include "host/run/StatusJson.hpp"
 #include "host/services/SystemClock.hpp"
@@ -28,12 +34,7 @@ namespace {
 
 struct RunOptions {
     std::string site;
-    int logLevel = kLogNotice;
-    std::string logFormat = "auto";
-    std::string scripts;
-    int metricsPort = -1;
-    bool noHistory = false;
-    std::size_t threads = 2;
+    RunChoice choice;
 };
 
 constexpr auto kTick = std::chrono::seconds(1);
@@ -78,6 +79,7 @@ class Service {
     void came(int signal) {
         if (signal == SIGHUP) return reload();
         m_stop = true;
+        m_site.beginStop();
         m_site.mailbox().wake();
     }
 
@@ -88,7 +90,9 @@ class Service {
 
     void serve() {
         m_manager.ready("watching");
-        auto alive = Mailbox::Deadline{};
+        std::optional<SignsOfLife> signs;
+        if (m_manager.aliveEvery())
+            signs.emplace(m_site.mailbox(), *m_manager.aliveEvery(), [this] { m_manager.alive(); });
         while (!m_stop) {
             const auto until = std::chrono::steady_clock::now() + kTick;
             while (!m_stop && !m_reload && m_site.mailbox().serveOne(until) &&
@@ -101,11 +105,6 @@ class Service {
                 m_manager.ready("watching");
             }
             m_site.tick();
-            const auto now = std::chrono::steady_clock::now();
-            if (m_manager.aliveEvery() && now >= alive) {
-                m_manager.alive();
-                alive = now + *m_manager.aliveEvery();
-            }
         }
         m_manager.stopping();
         m_log.logLevel(kLogNotice, "ending");
@@ -120,10 +119,17 @@ class Service {
     std::atomic<bool> m_reload{false};
 };
 
-LogForm logFormOf(const std::string& name) {
-    if (name == "json") return LogForm::Json;
-    if (name == "journal") return LogForm::Journal;
-    if (name == "text") return LogForm::Text;
+LogForm logFormOf(LogFormat format) {
+    switch (format) {
+        case LogFormat::Json:
+            return LogForm::Json;
+        case LogFormat::Journal:
+            return LogForm::Journal;
+        case LogFormat::Text:
+            return LogForm::Text;
+        case LogFormat::Auto:
+            break;
+    }
     return isJournal(STDERR_FILENO) ? LogForm::Journal : LogForm::Text;
 }
 
@@ -142,26 +148,35 @@ void fail(CommandContext& context, const std::string& message) {
     context.status = ExitStatus::Environment;
 }
 
-void run(const RunOptions& options, CommandContext& context) {
-    // Both before any other thread is there.
+void watch(const RunOptions& options, CommandContext& context) {
+    const auto settings = settingsOf(context);
+    if (!settings) return;
+    const RunSettings run = chosen(options.choice, settings->run);
+    // All before any other thread is there.
+    prepareMemory();
     blockSignals();
     ServiceManager manager;
-    auto file = openSite(options.site, Access::Write, context);
+    auto file = openSite(options.site.empty() ? effective(*settings).site.file : options.site, Access::Write,
+                         context);
     if (!file) return;
-    StandardLog log(stderr, options.logLevel, systemNow, logFormOf(options.logFormat));
+    StandardLog log(stderr, run.logLevel, systemNow, logFormOf(run.logFormat));
     auto site = RunningSite::make(*file, log,
                                   {.programFolder = context.programFolder,
-                                   .scriptsFolder = options.scripts,
+                                   .scriptsFolder = run.scripts,
                                    .version = versionText(),
-                                   .threads = options.threads,
-                                   .history = !options.noHistory,
+                                   .threads = static_cast<std::size_t>(run.threads),
+                                   .history = run.history,
+                                   .historyDays = run.historyDays,
+                                   .player = playerOptions(*settings, context.programFolder).setup,
+                                   .automation = automationOptions(*settings, context.programFolder),
+                                   .lostLogLines = [&log] { return log.lostLines(); },
                                    .secret = secretsOf(log)});
     if (!site) return fail(context, site.error().message);
     Service service(*site.value(), log, manager);
     std::unique_ptr<HealthPort> health;
-    if (options.metricsPort >= 0) {
-        auto port = HealthPort::open(static_cast<std::uint16_t>(options.metricsPort),
-                                     [&] { return service.status(); });
+    if (run.metricsPort) {
+        auto port =
+            HealthPort::open(static_cast<std::uint16_t>(*run.metricsPort), [&] { return service.status(); });
         if (!port) return fail(context, port.error().message);
         health = std::move(port).value();
         log.logLevel(kLogNotice,
@@ -170,10 +185,11 @@ void run(const RunOptions& options, CommandContext& context) {
     auto socket =
         SiteSocket::open(file->path(), [&](const std::string& question) { return service.answer(question); });
     if (!socket) log.logLevel(kLogProblem, "`vigil status` will not work: " + socket.error().message);
-    if (!options.noHistory) tellGaps(*file, *site.value(), log);
+    if (run.history) tellGaps(*file, *site.value(), log);
     const Signals signals([&](int signal) { service.came(signal); });
     site.value()->start();
     log.logLevel(kLogNotice, site.value()->startText());
+    trimMemory();
     service.serve();
 }
 
@@ -183,35 +199,14 @@ void addRunCommand(CLI::App& app, CommandContext& context) {
     auto options = std::make_shared<RunOptions>();
     auto* command = app.add_subcommand("run", "Watch all stations of a site until SIGTERM");
     addSiteOption(*command, options->site);
-    command
-        ->add_option("--log-level", options->logLevel,
-                     "1 problems, 2 notices as well, 3 every judgement as well (2)")
-        ->type_name("N")
-        ->check(CLI::Range(0, 3));
-    command
-        ->add_option("--log-format", options->logFormat,
-                     "auto, text, journal or json; to standard error (auto)")
-        ->type_name("FORM")
-        ->check(CLI::IsMember({"auto", "text", "journal", "json"}));
-    command
-        ->add_option("--metrics-port", options->metricsPort,
-                     "Answer /metrics, /health and /status on this port of 127.0.0.1; 0 takes a free one")
-        ->type_name("PORT")
-        ->check(CLI::Range(0, 65535));
-    command
-        ->add_option("--scripts", options->scripts,
-                     "The folder of the scripts that monitors run (~/.config/vigil/scripts)")
-        ->type_name("FOLDER");
-    command->add_option("--threads", options->threads, "Threads that the stations share (2)")
-        ->type_name("N")
-        ->check(CLI::Range(1, 64));
-    command->add_flag("--no-history", options->noHistory, "Keep no history of readings");
+    addRunOptions(*command, options->choice);
     command->footer(
+        "What no option says is as the settings say (`vigil settings show`), which are read at the start.\n"
         "SIGTERM and SIGINT end it, SIGHUP reads the site again.\n"
         "Examples:\n"
         "  vigil run\n"
         "  vigil run --site /var/lib/vigil/field.vigilsite --metrics-port 9105");
-    command->callback([options, &context] { run(*options, context); });
+    command->callback([options, &context] { watch(*options, context); });
 }
 
 }  // namespace vigil

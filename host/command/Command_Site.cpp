@@ -50,19 +50,17 @@ bool wouldReplace(const std::string& file, bool force, CommandContext& context) 
     return true;
 }
 
-void create(const SiteOptions& options, CommandContext& context) {
-    const std::string site = siteOf(options.site);
+void create(const std::string& site, const SiteOptions&, CommandContext& context) {
     if (isThere(site))
         return fail(context, ExitStatus::BadInput, site + ": is there already, and was left as it is");
     if (const auto made = SiteFile::create(site); !made)
         return fail(context, ExitStatus::Environment, made.error().message);
     context.output.print("Made the site {}. `vigil station create --help` shows how to give it a station.\n",
                          site);
-    if (const std::string hint = monitorsFromBefore(options.site); !hint.empty()) context.output.error(hint);
+    if (const std::string hint = monitorsFromBefore(site); !hint.empty()) context.output.error(hint);
 }
 
-void check(const SiteOptions& options, CommandContext& context) {
-    const std::string site = siteOf(options.site);
+void check(const std::string& site, const SiteOptions&, CommandContext& context) {
     Progress progress(context.output);
     const auto findings = checkSite(site, progress.teller());
     progress.end();
@@ -101,8 +99,7 @@ Result<Done> exportLines(const std::string& site, const SiteOptions& options, Ou
     return fresh.takePlace(/*ofAnother=*/options.force);
 }
 
-void exportTo(const SiteOptions& options, CommandContext& context) {
-    const std::string site = siteOf(options.site);
+void exportTo(const std::string& site, const SiteOptions& options, CommandContext& context) {
     const bool toOutput = options.json && options.file == "-";
     if (options.file == "-" && !options.json)
         return fail(context, ExitStatus::BadInput,
@@ -116,8 +113,7 @@ void exportTo(const SiteOptions& options, CommandContext& context) {
     if (!toOutput) context.output.print("Copied {} to {}.\n", site, options.file);
 }
 
-void importFrom(const SiteOptions& options, CommandContext& context) {
-    const std::string site = siteOf(options.site);
+void importFrom(const std::string& site, const SiteOptions& options, CommandContext& context) {
     Progress progress(context.output);
     const auto imported = importSite(options.file, site, options.force, progress.teller());
     progress.end();
@@ -138,8 +134,7 @@ void importFrom(const SiteOptions& options, CommandContext& context) {
             "A new station has no feed yet; `vigil station edit --help` shows how to give it one.\n");
 }
 
-void vacuum(const SiteOptions& options, CommandContext& context) {
-    const std::string site = siteOf(options.site);
+void vacuum(const std::string& site, const SiteOptions&, CommandContext& context) {
     std::error_code unknown;
     const auto before = fs::file_size(site, unknown);
     Progress progress(context.output);
@@ -165,8 +160,8 @@ std::string summaryJson(const SiteFile& site, const SiteSummary& summary, long r
     return line + (runner != 0 ? std::to_string(runner) : "null") + "}\n";
 }
 
-void show(const SiteOptions& options, CommandContext& context) {
-    const auto site = openSite(options.site, Access::Read, context);
+void show(const std::string& path, const SiteOptions& options, CommandContext& context) {
+    const auto site = openSite(path, Access::Read, context);
     if (!site) return;
     const auto counted = site->summary();
     if (!counted) return fail(context, ExitStatus::Environment, counted.error().message);
@@ -202,7 +197,9 @@ void addSiteCommand(CLI::App& app, CommandContext& context) {
     const auto add = [&](const char* name, const char* purpose, auto run) {
         auto* command = site->add_subcommand(name, purpose);
         addSiteOption(*command, options->site);
-        command->callback([options, run, &context] { run(*options, context); });
+        command->callback([options, run, &context] {
+            if (const auto path = siteOf(options->site, context)) run(*path, *options, context);
+        });
         return command;
     };
     add("create", "An empty site", create);

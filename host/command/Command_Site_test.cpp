@@ -212,7 +212,7 @@ TEST_F(SiteCommand, showsWhatIsInASite) {
     }
     EXPECT_THAT(
         run({"site", "show"}).results,
-        testing::MatchesRegex(site() + " \\(format 1, [0-9]+ KiB\\)\n"
+        testing::MatchesRegex(site() + " \\(format 2, [0-9]+ KiB\\)\n"
                                        "  stations  1\n"
                                        "  monitors  0\n"
                                        "  fires     0, 0 of them open\n"
@@ -222,7 +222,7 @@ TEST_F(SiteCommand, showsWhatIsInASite) {
         run({"site", "show", "--json"}).results,
         testing::MatchesRegex(
             "\\{\"site\":\"" + site() +
-            "\",\"format\":1,\"bytes\":[0-9]+,\"stations\":1,\"monitors\":0,\"fires\":0,"
+            "\",\"format\":2,\"bytes\":[0-9]+,\"stations\":1,\"monitors\":0,\"fires\":0,"
             "\"openFires\":0,\"effects\":1,\"openEffects\":1,\"oldestEffect\":\"2001-01-01T00:00:00Z\","
             "\"clean\":true,\"process\":null\\}\n"));
 }

@@ -53,11 +53,10 @@ std::optional<SiteStatus> resting(const std::string& path, CommandContext& conte
     return status;
 }
 
-std::optional<SiteStatus> look(const StatusOptions& options, CommandContext& context) {
-    const std::string path = siteOf(options.site);
+std::optional<SiteStatus> look(const std::string& path, CommandContext& context) {
     const auto answer = SiteSocket::ask(path, "status");
     const long runner = SiteLock::holder(path);
-    if (!answer && runner == 0) return resting(options.site, context);
+    if (!answer && runner == 0) return resting(path, context);
     auto status = answer ? statusFromJson(answer.value()) : Result<SiteStatus>(answer.error());
     if (status) return std::move(status).value();
     context.output.error("process " + std::to_string(runner) + " runs " + path +
@@ -72,7 +71,9 @@ bool isWell(const SiteStatus& status) {
 
 void show(const StatusOptions& options, CommandContext& context) {
     const bool colour = context.output.isTerminal() && !std::getenv("NO_COLOR");
-    while (const auto status = look(options, context)) {
+    const auto path = siteOf(options.site, context);
+    if (!path) return;
+    while (const auto status = look(*path, context)) {
         if (options.watch && context.output.isTerminal()) context.output.write("\x1b[H\x1b[2J");
         if (options.json)
             context.output.write(statusJson(*status) + "\n");

@@ -6,6 +6,7 @@
 #include "host/command/Commands.hpp"
 #include "host/command/HistoryChoice.hpp"
 #include "host/command/ReplayLog.hpp"
+#include "host/command/SiteChoice.hpp"
 #include "host/command/TimeText.hpp"
 #include "host/command/WhyAnswer.hpp"
 #include "host/kit/InterfaceFile.hpp"
@@ -64,8 +65,7 @@ void why(const WhyOptions& options, CommandContext& context) {
 void addWhyCommand(CLI::App& app, CommandContext& context) {
     auto options = std::make_shared<WhyOptions>();
     auto* command = app.add_subcommand("why", "Why did a monitor fire, or why not?");
-    command->add_option("--site", options->choice.site, "The site file (" + SiteFile::defaultFile() + ")")
-        ->type_name("FILE");
+    addSiteOption(*command, options->choice.site);
     command->add_option("--monitor", options->monitor, "Which monitor, where there are several")
         ->type_name("TITLE");
     command

@@ -34,9 +34,11 @@ void addPlotCommand(CLI::App& app, CommandContext& context);
 void addPluginCommand(CLI::App& app, CommandContext& context);
 void addReplayCommand(CLI::App& app, CommandContext& context);
 void addRunCommand(CLI::App& app, CommandContext& context);
+void addSettingsCommand(CLI::App& app, CommandContext& context);
 void addSiteCommand(CLI::App& app, CommandContext& context);
 void addStationCommand(CLI::App& app, CommandContext& context);
 void addStatusCommand(CLI::App& app, CommandContext& context);
+void addTestCommand(CLI::App& app, CommandContext& context);
 void addWhyCommand(CLI::App& app, CommandContext& context);
 
 /// Every sub-command, in the order in which `--help` lists them.

@@ -30,7 +30,7 @@ struct Stage {
     Stage(const Demo::Options& options, const Demo::View& view)
         : clock(SimulatedOptions().start.secondsSinceReference()),
           world(log, files, options.scriptsFolder, [this] { return Date(clock.load()); }),
-          scripts({.helper = options.helper, .clock = systemNow},
+          scripts({.helper = options.player.helper, .clock = systemNow},
                   [this, &view](const LiveScripts::Entry& entry) {
                       world.mainQueue().dispatchAsync([this, &view, entry] {
                           ++counts.scripts;
@@ -98,6 +98,7 @@ void serve(Stage& stage, const Demo::Options& options, const Demo::View& view,
 
 Result<Demo::Counts> Demo::run(const Options& options, const View& view) {
     Stage stage(options, view);
+    stage.world.offerSound(options.player);
     auto monitor = monitorFromArchive(archiveText(options.monitor), stage.station);
     if (!monitor) return monitor.error();
     HostedPlugIn hosted(stage.world, monitor.value());

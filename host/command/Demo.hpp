@@ -10,6 +10,7 @@
 #include "host/command/DemoLines.hpp"
 #include "host/command/MonitorDraft.hpp"
 #include "host/kit/LiveScripts.hpp"
+#include "host/services/Player.hpp"
 #include "platform/Result.hpp"
 
 namespace vigil {
@@ -21,7 +22,7 @@ class Demo {
   public:
     struct Options {
         MonitorDraft monitor;
-        std::string helper;  ///< path of `vigil-helper`
+        Player::Options player;  ///< what is heard and spoken goes through; its helper runs scripts, too
         std::string scriptsFolder;
         std::uint64_t seed = 1;
         std::size_t notifications = 80;

@@ -6,7 +6,8 @@
 
 #include "host/command/Doctor_Probes.hpp"
 #include "host/command/JsonText.hpp"
-#include "host/kit/LiveWorld.hpp"
+#include "host/command/SettingsChoice.hpp"
+#include "host/run/Secrets.hpp"
 
 namespace vigil {
 namespace {
@@ -73,11 +74,19 @@ DoctorSurroundings doctorSurroundings(const std::string& programFolder) {
         return text && *text ? std::optional<std::string>(text) : std::nullopt;
     };
     here.programFolder = programFolder;
-    here.scriptsFolder = defaultScriptsFolder();
+    here.settingsFile = defaultSettingsFile();
+    here.secretsFile = Secrets::defaultFile();
+    // Wrong ones are told by their own probe.
+    here.settings = settingsOrDefaults();
+    const Settings whole = effective(here.settings);
+    here.scriptsFolder = whole.run.scripts;
+    here.siteFile = whole.site.file;
     const auto data = here.variable("XDG_DATA_HOME");
     const auto home = here.variable("HOME");
     // The rule for these folders: a path that is not absolute counts as none.
-    if (data && data->starts_with('/'))
+    if (const std::string& file = here.settings.site.file; !file.empty())
+        here.siteFolder = file.substr(0, file.rfind('/'));
+    else if (data && data->starts_with('/'))
         here.siteFolder = *data + "/vigil";
     else if (home)
         here.siteFolder = *home + "/.local/share/vigil";
@@ -89,6 +98,10 @@ std::vector<Probe> doctorProbes(const DoctorSurroundings& surroundings) {
         {"display", [=] { return displayProbe(surroundings); }},
         {"sound", [=] { return soundProbe(surroundings); }},
         {"speech", [=] { return speechProbe(surroundings); }},
+        {"mail", [=] { return mailProbe(surroundings); }},
+        {"sms", [=] { return smsProbe(surroundings); }},
+        {"settings", [=] { return settingsProbe(surroundings); }},
+        {"secrets", [=] { return secretsProbe(surroundings); }},
         {"site folder", [=] { return siteFolderProbe(surroundings); }},
         {"scripts folder", [=] { return scriptsFolderProbe(surroundings); }},
         {"time zone", [=] { return timeZoneProbe(surroundings); }},

@@ -7,6 +7,7 @@
 
 #include "host/command/ExitStatus.hpp"
 #include "host/command/Output.hpp"
+#include "host/settings/Settings.hpp"
 
 // What this machine offers to Vigil. Looking changes nothing, waits for nothing and plays nothing. Main
 // thread.
@@ -47,13 +48,17 @@ struct DoctorSurroundings {
     std::string programFolder;  ///< see `CommandContext`
     std::string siteFolder;     ///< where sites are kept unless said otherwise
     std::string scriptsFolder;
+    std::string settingsFile;
+    std::string secretsFile;
+    Settings settings{};   ///< as the file says; the defaults where something in it is wrong
     std::string siteFile;  ///< whose monitors' scripts are looked for; empty for none
 };
 
 /// This machine and this process.
 DoctorSurroundings doctorSurroundings(const std::string& programFolder);
 
-/// display, sound, speech, site folder, scripts folder, time zone, module, helper, shell, scripts
+/// display, sound, speech, mail, sms, settings, secrets, site folder, scripts folder, time zone, module,
+/// helper, shell, scripts
 std::vector<Probe> doctorProbes(const DoctorSurroundings& surroundings);
 
 /// Looks at everything, a line each. Yes when all is well, No when there are findings, Environment when

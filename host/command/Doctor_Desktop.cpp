@@ -1,8 +1,12 @@
+#include <cerrno>
 #include <filesystem>
 
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include "host/command/Doctor_Probes.hpp"
+#include "host/services/UniqueFd.hpp"
 
 // The screen, the sound and the voice of a desktop session.
 
@@ -14,6 +18,19 @@ namespace fs = std::filesystem;
 bool isSocket(const std::string& path) {
     std::error_code unknown;
     return fs::is_socket(path, unknown);
+}
+
+/// Whether somebody listens there; a server that was killed leaves its socket behind. Asks nothing.
+bool isListening(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path) return isSocket(path);
+    path.copy(address.sun_path, path.size());
+    const UniqueFd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    // EAGAIN: its queue is full, so somebody is there who does not take it
+    return socket &&
+           (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ||
+            errno == EAGAIN);
 }
 
 std::string runTimeFolder(const DoctorSurroundings& here) {
@@ -66,21 +83,20 @@ Diagnosis soundProbe(const DoctorSurroundings& here) {
                                        runTimeFolder(here) + "/pipewire-0"};
     if (server) places = {server->starts_with("unix:") ? server->substr(5) : *server};
     for (const std::string& place : places)
-        if (isSocket(here.root + place)) return Diagnosis::well("a sound server at " + place);
+        if (isListening(here.root + place)) return Diagnosis::well("a sound server at " + place);
     if (hasSoundCard(here)) return Diagnosis::well("a sound card, without a sound server");
     return Diagnosis::finding("no sound server at " + places.front() + " and no sound card that may be used",
                               "start a sound server (pipewire-pulse or pulseaudio), or join the group audio");
 }
 
 Diagnosis speechProbe(const DoctorSurroundings& here) {
-    const std::string path = here.variable("PATH").value_or("/usr/local/bin:/usr/bin:/bin");
-    for (std::size_t begin = 0; begin <= path.size();) {
-        const std::size_t end = std::min(path.find(':', begin), path.size());
-        const std::string program = path.substr(begin, end - begin) + "/espeak-ng";
-        if (end > begin && isProgram(here.root + program)) return Diagnosis::well("espeak-ng is " + program);
-        begin = end + 1;
-    }
-    return Diagnosis::finding("the program espeak-ng is not in PATH", "install the package espeak-ng");
+    const std::string& name = here.settings.speech.program;
+    const char* const remedy = "install the package espeak-ng, or set speech.program";
+    const bool isPath = name.find('/') != std::string::npos;
+    if (const auto path = programPath(here, name))
+        return Diagnosis::well(isPath ? *path : name + " is " + *path);
+    return Diagnosis::finding(isPath ? name + " is no program" : "the program " + name + " is not in PATH",
+                              remedy);
 }
 
 }  // namespace vigil

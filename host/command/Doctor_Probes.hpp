@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "host/command/Doctor.hpp"
@@ -11,8 +12,12 @@ namespace vigil {
 Diagnosis displayProbe(const DoctorSurroundings& here);
 Diagnosis soundProbe(const DoctorSurroundings& here);
 Diagnosis speechProbe(const DoctorSurroundings& here);
+Diagnosis mailProbe(const DoctorSurroundings& here);
+Diagnosis smsProbe(const DoctorSurroundings& here);
 Diagnosis siteFolderProbe(const DoctorSurroundings& here);
 Diagnosis scriptsFolderProbe(const DoctorSurroundings& here);
+Diagnosis settingsProbe(const DoctorSurroundings& here);
+Diagnosis secretsProbe(const DoctorSurroundings& here);
 Diagnosis timeZoneProbe(const DoctorSurroundings& here);
 Diagnosis moduleProbe(const DoctorSurroundings& here);
 Diagnosis helperProbe(const DoctorSurroundings& here);
@@ -21,5 +26,8 @@ Diagnosis scriptRowsProbe(const DoctorSurroundings& here);
 
 /// Whether it is a file that this process may execute.
 bool isProgram(const std::string& path);
+
+/// Where a program is: a path that is one, or a name that is looked up in PATH. Without `root`.
+std::optional<std::string> programPath(const DoctorSurroundings& here, const std::string& name);
 
 }  // namespace vigil

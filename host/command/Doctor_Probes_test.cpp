@@ -1,18 +1,15 @@
 #include "host/command/Doctor_Probes.hpp"
 
 #include <filesystem>
-#include <map>
 
 #include <gmock/gmock.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include "host/command/MonitorDraft.hpp"
 #include "host/command/OpenMonitor.hpp"
+#include "host/command/testing/DoctorBench.hpp"
 #include "host/kit/MonitorModule.hpp"
 #include "host/site/SiteFile.hpp"
-#include "tests/support/TemporaryFolder.hpp"
 
 namespace vigil {
 namespace {
@@ -20,54 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 using State = Diagnosis::State;
-
-/// A machine that is a folder.
-class DoctorProbes : public testing::Test {
-  protected:
-    DoctorProbes() {
-        m_here.root = m_folder.path();
-        m_here.variable = [this](const char* name) -> std::optional<std::string> {
-            const auto found = m_variables.find(name);
-            return found == m_variables.end() ? std::nullopt : std::optional(found->second);
-        };
-        m_here.siteFolder = "/data/vigil";
-        m_here.scriptsFolder = "/settings/vigil/scripts";
-        m_variables["XDG_RUNTIME_DIR"] = "/run";
-    }
-
-    void folder(const std::string& path) { fs::create_directories(m_here.root + path); }
-
-    void file(const std::string& path, fs::perms mode = fs::perms::owner_read) {
-        folder(fs::path(path).parent_path().string());
-        m_folder.write(path.substr(1), "x");
-        fs::permissions(m_here.root + path, mode);
-    }
-
-    void program(const std::string& path) { file(path, fs::perms::owner_all); }
-
-    void socketAt(const std::string& path) {
-        folder(fs::path(path).parent_path().string());
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        const std::string whole = m_here.root + path;
-        ASSERT_LT(whole.size(), sizeof address.sun_path);
-        whole.copy(address.sun_path, whole.size());
-        const int made = socket(AF_UNIX, SOCK_STREAM, 0);
-        ASSERT_EQ(bind(made, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-        close(made);
-    }
-
-    const TemporaryFolder m_folder;
-    DoctorSurroundings m_here;
-    std::map<std::string, std::string> m_variables;
-};
-
-void expect(const Diagnosis& found, State state, const std::string& part) {
-    EXPECT_EQ(found.state, state) << found.says;
-    EXPECT_THAT(found.says, HasSubstr(part));
-    EXPECT_EQ(found.remedy.empty(), state == State::Well)
-        << "a remedy for each finding, and for nothing else";
-}
+using DoctorProbes = DoctorBench;
 
 TEST_F(DoctorProbes, ADisplayIsThereWhenItsServersSocketIs) {
     expect(displayProbe(m_here), State::Finding, "neither WAYLAND_DISPLAY nor DISPLAY");
@@ -96,6 +46,8 @@ TEST_F(DoctorProbes, SoundIsAServerOrElseACard) {
     expect(soundProbe(m_here), State::Well, "a sound card");
     socketAt("/else/native");
     expect(soundProbe(m_here), State::Well, "a sound server at /else/native");
+    m_listening.clear();
+    expect(soundProbe(m_here), State::Well, "a sound card");  // the socket is there, and nobody behind it
     m_variables["PULSE_SERVER"] = "tcp:far.example";
     expect(soundProbe(m_here), State::Well, "was not asked");
 }
@@ -106,6 +58,44 @@ TEST_F(DoctorProbes, SpeechNeedsItsProgramInThePath) {
     expect(speechProbe(m_here), State::Finding, "espeak-ng is not in PATH");
     program("/second/espeak-ng");
     expect(speechProbe(m_here), State::Well, "/second/espeak-ng");
+    m_here.settings.speech.program = "speaker";
+    expect(speechProbe(m_here), State::Finding, "speaker is not in PATH");
+    m_here.settings.speech.program = "/third/speaker";
+    expect(speechProbe(m_here), State::Finding, "/third/speaker is no program");
+    program("/third/speaker");
+    expect(speechProbe(m_here), State::Well, "/third/speaker");
+}
+
+TEST_F(DoctorProbes, SettingsAreRightClosedToOthersOrNotThere) {
+    expect(settingsProbe(m_here), State::Well, "there is no /settings/vigil/vigil.toml");
+    file(m_here.settingsFile, fs::perms::owner_read);
+    const std::string path = m_here.root + m_here.settingsFile;
+    const auto write = [&](const char* text) {
+        fs::permissions(path, fs::perms::owner_all);
+        m_folder.write(m_here.settingsFile.substr(1), text);
+        fs::permissions(path, fs::perms::owner_read);
+    };
+    write("[speech]\nrate = 1\nvoise = 2\n");
+    expect(settingsProbe(m_here), State::Finding, "/settings/vigil/vigil.toml:2:8: speech.rate: expected");
+    EXPECT_THAT(settingsProbe(m_here).says, HasSubstr("(and 1 more)"));
+    write("[speech]\nrate = 100\n");
+    expect(settingsProbe(m_here), State::Well, "/settings/vigil/vigil.toml");
+    fs::permissions(path, fs::perms::owner_read | fs::perms::group_write);
+    expect(settingsProbe(m_here), State::Finding, "others may write to /settings/vigil/vigil.toml");
+    EXPECT_EQ(settingsProbe(m_here).remedy, "chmod go-w /settings/vigil/vigil.toml");
+    m_here.settingsFile = "/settings";
+    expect(settingsProbe(m_here), State::Finding, "/settings is no file");
+}
+
+TEST_F(DoctorProbes, SecretsAreForTheirUserAlone) {
+    expect(secretsProbe(m_here), State::Well, "there is no /settings/vigil/secrets");
+    file(m_here.secretsFile, fs::perms::owner_read | fs::perms::owner_write);
+    expect(secretsProbe(m_here), State::Well, "/settings/vigil/secrets");
+    for (const fs::perms more : {fs::perms::group_read, fs::perms::others_read, fs::perms::others_write}) {
+        fs::permissions(m_here.root + m_here.secretsFile, fs::perms::owner_read | more);
+        expect(secretsProbe(m_here), State::Finding, "others may read /settings/vigil/secrets");
+        EXPECT_EQ(secretsProbe(m_here).remedy, "chmod 600 /settings/vigil/secrets");
+    }
 }
 
 TEST_F(DoctorProbes, TheSiteFolderIsThereOrCanBeMadeAndIsClosedToOthers) {

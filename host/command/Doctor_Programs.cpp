@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 
 #include <unistd.h>
@@ -24,6 +25,19 @@ bool isProgram(const std::string& path) {
     return std::filesystem::is_regular_file(path, unknown) && access(path.c_str(), X_OK) == 0;
 }
 
+std::optional<std::string> programPath(const DoctorSurroundings& here, const std::string& name) {
+    if (name.find('/') != std::string::npos)
+        return isProgram(here.root + name) ? std::optional(name) : std::nullopt;
+    const std::string path = here.variable("PATH").value_or("/usr/local/bin:/usr/bin:/bin");
+    for (std::size_t begin = 0; begin <= path.size();) {
+        const std::size_t end = std::min(path.find(':', begin), path.size());
+        const std::string program = path.substr(begin, end - begin) + "/" + name;
+        if (end > begin && isProgram(here.root + program)) return program;
+        begin = end + 1;
+    }
+    return std::nullopt;
+}
+
 Diagnosis moduleProbe(const DoctorSurroundings& here) {
     if (here.programFolder.empty()) return withoutFolder();
     if (const auto loaded = loadMonitorModule(here.programFolder); !loaded)
@@ -35,7 +49,8 @@ Diagnosis helperProbe(const DoctorSurroundings& here) {
     if (here.programFolder.empty()) return withoutFolder();
     const std::string path = helperPath(here.programFolder);
     if (isProgram(path)) return Diagnosis::well(path);
-    return Diagnosis::finding("there is no program " + path + ", so no script can run", kInstallAgain);
+    return Diagnosis::finding(
+        "there is no program " + path + ", so no script can run and nothing can be heard", kInstallAgain);
 }
 
 Diagnosis shellProbe(const DoctorSurroundings& here) {

@@ -73,11 +73,11 @@ TEST(Doctor, AProbeThatThrowsHasNotLookedAndTheOthersStillDo) {
     EXPECT_THAT(outcome.results, HasSubstr("shell  ok"));
 }
 
-TEST(Doctor, OnThisMachineItLooksAtTenThingsAndFindsItsOwnInstallationAndTheShell) {
+TEST(Doctor, OnThisMachineItLooksAtFourteenThingsAndFindsItsOwnInstallationAndTheShell) {
     const Outcome outcome = outcomeOf([](Output& output) {
         return runCommandLine({"doctor", "--json"}, allCommands(), output, VIGIL_BINARY_DIR "/bin");
     });
-    EXPECT_EQ(std::count(outcome.results.begin(), outcome.results.end(), '\n'), 10);
+    EXPECT_EQ(std::count(outcome.results.begin(), outcome.results.end(), '\n'), 14);
     EXPECT_THAT(outcome.results, HasSubstr("{\"probe\":\"module\",\"state\":\"ok\""));
     EXPECT_THAT(outcome.results, HasSubstr("{\"probe\":\"helper\",\"state\":\"ok\""));
     EXPECT_THAT(outcome.results, HasSubstr("{\"probe\":\"shell\",\"state\":\"ok\""));

@@ -44,4 +44,8 @@ class FeedReport {
 std::unique_ptr<RecordedSource> openFeed(const FeedOptions& options, FeedReport& report,
                                          CommandContext& context);
 
+/// Says why no notification came, and sets the status: BadInput where something could not be read or nothing
+/// is of the chosen station, else No.
+void tellNothingCame(const FeedOptions& options, const FeedReport& report, CommandContext& context);
+
 }  // namespace vigil

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "host/command/SiteChoice.hpp"
 #include "host/command/TimeText.hpp"
 #include "host/services/SystemClock.hpp"
 #include "host/site/SiteFile.hpp"
@@ -62,8 +63,7 @@ const T* choose(const std::vector<T>& all, const std::string& name, const char* 
 }  // namespace
 
 void addHistoryOptions(CLI::App& command, HistoryChoice& choice) {
-    command.add_option("--site", choice.site, "The site file (" + SiteFile::defaultFile() + ")")
-        ->type_name("FILE");
+    addSiteOption(command, choice.site);
     command
         .add_option("--since", choice.since,
                     "From then on: 2026-11-20, 2026-11-20T10:34Z, \"3 days ago\", -3h; local without a zone")
@@ -89,7 +89,9 @@ std::optional<OpenHistory> openHistory(const HistoryChoice& choice, CommandConte
         context.status = ExitStatus::BadInput;
         return std::nullopt;
     }
-    const std::string file = choice.site.empty() ? SiteFile::defaultFile() : choice.site;
+    const auto path = siteOf(choice.site, context);
+    if (!path) return std::nullopt;
+    const std::string& file = *path;
     auto reader = HistoryReader::open(file);
     if (!reader) return tell(reader, context), std::nullopt;
     history.reader = std::move(reader).value();

@@ -54,7 +54,7 @@ TEST_F(HistoryCommands, exportsCsvAndJsonLines) {
     const Outcome csv = run({"history", "export", path("roof.csv"), "--until", "2026-04-14T18:10"});
     EXPECT_EQ(csv.status, ExitStatus::Yes) << csv.errors;
     EXPECT_EQ(contents(path("roof.csv")),
-              "time,\"outsideTemp\",\"outsideHumidity\",\"windSpeed\",\"barometer\"\n"
+              "time,\"outsideTemp [°C]\",\"outsideHumidity [%]\",\"windSpeed [m/s]\",\"barometer [hPa]\"\n"
               "2026-04-14T18:00:00Z,4.6,72,1.4,1022.5\n"
               "2026-04-14T18:05:00Z,4.5,72,1.6,1022.5\n");
     EXPECT_EQ(run({"history", "export", path("roof.jsonl")}).status, ExitStatus::Yes);

@@ -36,19 +36,20 @@ std::optional<std::size_t> forEach(const OpenHistory& history, const StoredStati
     }
 }
 
-/// Every key that comes, in the order in which they first come.
-std::vector<std::string> keysOf(const OpenHistory& history, const StoredStation& station,
-                                CommandContext& context) {
-    std::vector<std::string> keys;
+/// Every reading that comes, in the unit in which it first comes and in the order in which they first come.
+std::vector<ReadingColumn> columnsOf(const OpenHistory& history, const StoredStation& station,
+                                     CommandContext& context) {
+    std::vector<ReadingColumn> columns;
     std::set<std::string, std::less<>> known;
     forEach(
         history, station,
         [&](const StoredNotification& notification) {
             for (const AgentProperty& reading : notification.readings->entries())
-                if (known.insert(reading.propertyName()).second) keys.push_back(reading.propertyName());
+                if (known.insert(reading.propertyName()).second)
+                    columns.push_back(ReadingColumn::of(reading));
         },
         context);
-    return keys;
+    return columns;
 }
 
 void refuse(CommandContext& context, ExitStatus status, const std::string& why) {
@@ -83,15 +84,15 @@ void exportReadings(const OpenHistory& history, const StoredStation& station, co
                       file + ": expected a name that ends with .csv or .jsonl");
     const std::string unfinished = file + ".unfinished";
     std::ofstream out(unfinished, std::ios::binary | std::ios::trunc);
-    const auto keys = csv ? keysOf(history, station, context) : std::vector<std::string>();
+    const auto columns = csv ? columnsOf(history, station, context) : std::vector<ReadingColumn>();
     const std::string name = history.stationName(station.id);
     std::string text;
-    if (csv) appendReadingsHeader(text, keys);
+    if (csv) appendReadingsHeader(text, columns);
     const auto count = forEach(
         history, station,
         [&](const StoredNotification& notification) {
             if (csv)
-                appendReadingsRow(text, notification.started, keys, *notification.readings);
+                appendReadingsRow(text, notification.started, columns, *notification.readings);
             else
                 appendReadingsLine(text, name, notification.started, *notification.readings);
             out << text;

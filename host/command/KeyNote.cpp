@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "host/feeds/NearestWord.hpp"
 #include "host/readings/KnownReadings.hpp"
 #include "host/readings/RollingChoice.hpp"
+#include "host/words/NearestWord.hpp"
 
 namespace vigil {
 

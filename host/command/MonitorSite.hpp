@@ -18,7 +18,7 @@ class MonitorSite {
         : m_site(std::move(site)), m_stations(std::move(stations)), m_context(context) {}
 
     SiteFile& site() { return *m_site; }
-    std::string helper() const { return m_context.programFolder + "/vigil-helper"; }
+    std::string helper() const { return helperPath(m_context.programFolder); }
 
     /// The station that was named, or the only one where none was; else a refusal that lists those that there
     /// are.

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "host/command/JsonText.hpp"
+#include "host/readings/Units.hpp"
 
 namespace vigil {
 namespace {
@@ -69,6 +70,15 @@ void appendCell(std::string& to, std::string_view text) {
     to += '"';
 }
 
+/// Somebody may have chosen another unit since the column began.
+double numberIn(const ReadingColumn& column, const AgentProperty& reading) {
+    if (reading.unit() == column.unit) return reading.unitValue();
+    const auto from = unitFromText(reading.unit());
+    const auto to = unitFromText(column.unit);
+    const auto converted = from && to ? convert(reading.unitValue(), *from, *to) : std::nullopt;
+    return converted.value_or(reading.unitValue());
+}
+
 }  // namespace
 
 std::string exactIsoText(Date time) {
@@ -96,28 +106,33 @@ void appendReadingsLine(std::string& to, std::string_view station, Date time, co
     to += "}}\n";
 }
 
-void appendReadingsHeader(std::string& to, const std::vector<std::string>& keys) {
+ReadingColumn ReadingColumn::of(const AgentProperty& reading) {
+    const bool known = reading.type() == kNumericType && unitFromText(reading.unit());
+    return {reading.propertyName(), known ? reading.unit() : std::string()};
+}
+
+void appendReadingsHeader(std::string& to, const std::vector<ReadingColumn>& columns) {
     to += "time";
-    for (const std::string& key : keys) {
+    for (const ReadingColumn& column : columns) {
         to += ',';
-        appendCell(to, key);
+        appendCell(to, column.unit.empty() ? column.key : column.key + " [" + column.unit + "]");
     }
     to += '\n';
 }
 
-void appendReadingsRow(std::string& to, Date time, const std::vector<std::string>& keys,
+void appendReadingsRow(std::string& to, Date time, const std::vector<ReadingColumn>& columns,
                        const Readings& readings) {
     to += exactIsoText(time);
-    for (const std::string& key : keys) {
+    for (const ReadingColumn& column : columns) {
         to += ',';
-        const AgentProperty* const reading = readings.objectForKey(key);
+        const AgentProperty* const reading = readings.objectForKey(column.key);
         if (!reading) continue;
         if (reading->type() == kTextType)
             appendCell(to, reading->stringValue());
         else if (reading->type() == kDateType)
             to += exactIsoText(Date(reading->value()));
-        else if (std::isfinite(reading->unitValue()))
-            fmt::format_to(std::back_inserter(to), "{}", reading->unitValue());
+        else if (const double number = numberIn(column, *reading); std::isfinite(number))
+            fmt::format_to(std::back_inserter(to), "{}", number);
     }
     to += '\n';
 }

@@ -6,6 +6,8 @@
 #include <CLI/Option.hpp>
 #include <sys/stat.h>
 
+#include "host/command/SettingsChoice.hpp"
+
 namespace vigil {
 namespace {
 
@@ -17,12 +19,17 @@ ExitStatus statusOf(SiteError::Kind kind) {
 }  // namespace
 
 void addSiteOption(CLI::App& command, std::string& site) {
-    command.add_option("--site", site, "The site's file (" + SiteFile::defaultFile() + ")")
+    command
+        .add_option("--site", site,
+                    "The site's file (as the settings say, or " + SiteFile::defaultFile() + ")")
         ->type_name("FILE");
 }
 
-std::string siteOf(const std::string& site) {
-    return site.empty() ? SiteFile::defaultFile() : site;
+std::optional<std::string> siteOf(const std::string& site, CommandContext& context) {
+    if (!site.empty()) return site;
+    auto settings = settingsOf(context);
+    if (!settings) return std::nullopt;
+    return effective(std::move(*settings)).site.file;
 }
 
 std::string serviceHint(const std::string& site, const std::string& ofService) {
@@ -35,7 +42,9 @@ std::string serviceHint(const std::string& site, const std::string& ofService) {
 }
 
 std::unique_ptr<SiteFile> openSite(const std::string& site, Access access, CommandContext& context) {
-    auto opened = SiteFile::open(siteOf(site), access);
+    const auto path = siteOf(site, context);
+    if (!path) return nullptr;
+    auto opened = SiteFile::open(*path, access);
     if (opened) return std::move(opened).value();
     const bool missing = opened.error().kind == SiteError::Kind::NotThere;
     const std::string hint = missing ? serviceHint(site) : std::string();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <CLI/App.hpp>
@@ -13,8 +14,9 @@ namespace vigil {
 /// `--site FILE`, for every command that uses a site. Left empty where it is not given.
 void addSiteOption(CLI::App& command, std::string& site);
 
-/// The path that is meant: as given, or the user's own site.
-std::string siteOf(const std::string& site);
+/// The path that is meant: as given, or that of the settings, or the user's own site. Nothing where that
+/// takes settings which are wrong; then that is told and the status set.
+std::optional<std::string> siteOf(const std::string& site, CommandContext& context);
 
 /// Where the service of a machine keeps its site.
 inline constexpr const char* kServiceSite = "/var/lib/vigil/home.vigilsite";

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 
-#include "host/command/SiteChoice.hpp"
 #include "host/run/SiteSocket.hpp"
 #include "host/site/MonitorsFile.hpp"
 
@@ -11,7 +10,7 @@ namespace vigil {
 std::string monitorsFromBefore(const std::string& site) {
     const std::string file = defaultMonitorsFile();
     std::error_code unknown;
-    if (siteOf(site) != SiteFile::defaultFile() || !std::filesystem::exists(file, unknown)) return {};
+    if (site != SiteFile::defaultFile() || !std::filesystem::exists(file, unknown)) return {};
     return "monitors of an earlier version stand in " + file + "; `vigil site import " + file +
            "` takes them over";
 }

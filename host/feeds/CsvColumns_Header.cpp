@@ -7,6 +7,7 @@
 #include "host/feeds/TimeForms.hpp"
 #include "host/readings/KeyNames.hpp"
 #include "host/readings/KnownReadings.hpp"
+#include "host/readings/Units.hpp"
 #include "platform/Files.hpp"
 
 namespace vigil {
@@ -50,17 +51,41 @@ std::size_t defaultTimeColumn(const Names& names) {
     return 0;
 }
 
-std::shared_ptr<const AgentPropertyLabel> labelOf(const std::string& name, std::string key,
-                                                  UnitSystem units) {
+/// "windSpeed [km/h]" is the reading windSpeed, in a unit of its own; brackets around anything else belong to
+/// the name.
+struct Named {
+    std::string_view reading;
+    std::string_view unit;
+};
+
+Named withoutUnit(std::string_view name) {
+    const std::size_t open = name.rfind(" [");
+    if (open == std::string_view::npos || open == 0 || !name.ends_with(']')) return {name, {}};
+    const auto unit = unitFromText(name.substr(open + 2, name.size() - open - 3));
+    return unit ? Named{name.substr(0, open), unitText(*unit)} : Named{name, {}};
+}
+
+std::shared_ptr<const AgentPropertyLabel> labelOf(const Named& name, std::string key, UnitSystem units) {
     AgentPropertyLabel label;
-    label.name = name;
-    if (const KnownReading* known = knownReading(key); known && key == name) {
+    label.name = name.reading;
+    label.unit = name.unit;
+    if (const KnownReading* known = knownReading(key); known && key == name.reading) {
         label.name = known->name;
-        label.unit = known->unit(units);
+        if (name.unit.empty()) label.unit = known->unit(units);
         label.type = known->kind;
     }
     label.propertyName = std::move(key);
     return std::make_shared<const AgentPropertyLabel>(std::move(label));
+}
+
+/// What another separator would have told apart, in a header that is one cell.
+std::optional<Error> wrongSeparator(const Names& names, char separator) {
+    if (names.size() != 1) return std::nullopt;
+    for (const auto& [other, word] : {std::pair{',', "a comma"}, std::pair{';', "a semicolon"},
+                                      std::pair{'\t', "a tab"}, std::pair{'|', "a bar"}})
+        if (other != separator && names.front().find(other) != std::string::npos)
+            return Error{std::string("the first row is one cell; is the separator ") + word + "?"};
+    return std::nullopt;
 }
 
 }  // namespace
@@ -68,6 +93,7 @@ std::shared_ptr<const AgentPropertyLabel> labelOf(const std::string& name, std::
 Result<CsvColumns> CsvColumns::fromHeader(const CsvRow& header, const CsvOptions& options,
                                           const ProblemTeller& tell) {
     const Names names = namesOf(header, tell);
+    if (auto wrong = wrongSeparator(names, options.separator)) return *std::move(wrong);
     CsvColumns columns;
     columns.m_time = defaultTimeColumn(names);
     if (options.timeColumn) {
@@ -93,8 +119,9 @@ Result<CsvColumns> CsvColumns::fromHeader(const CsvRow& header, const CsvOptions
         if (!why.empty() && tell)
             tell({header.line(), "column " + std::to_string(i + 1) + ": " + why + "; left out"});
         if (reading && why.empty()) {
-            table.push_back(keys.keyFor(column.name));
-            column.label = labelOf(column.name, table.back(), options.units);
+            const Named name = withoutUnit(column.name);
+            table.push_back(keys.keyFor(std::string(name.reading)));
+            column.label = labelOf(name, table.back(), options.units);
             const bool settled = column.label->type != kNumericType;
             column.role = settled ? Role::Reading : Role::Undecided;
         }

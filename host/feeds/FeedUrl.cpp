@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "host/feeds/FeedUrl_Parts.hpp"
-#include "host/feeds/NearestWord.hpp"
+#include "host/words/NearestWord.hpp"
 #include "platform/Files.hpp"
 
 namespace vigil {

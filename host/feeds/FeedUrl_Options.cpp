@@ -4,7 +4,7 @@
 #include <span>
 
 #include "host/feeds/FeedUrl_Parts.hpp"
-#include "host/feeds/NearestWord.hpp"
+#include "host/words/NearestWord.hpp"
 
 namespace vigil {
 namespace {

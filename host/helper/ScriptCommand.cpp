@@ -1,47 +1,17 @@
 #include "host/helper/ScriptCommand.hpp"
 
-#include <cerrno>
 #include <optional>
 
-#include <fcntl.h>
-#include <signal.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 
+#include "host/helper/HostSocket.hpp"
 #include "host/helper/ScriptFile.hpp"
 #include "host/helper/ScriptProcess.hpp"
 #include "host/helper/ScriptWatch.hpp"
-#include "host/services/HelperWire.hpp"
 #include "host/services/ScriptWire.hpp"
-#include "host/services/UniqueFd.hpp"
 
 namespace vigil {
 namespace {
-
-std::optional<std::string> receiveMessage(int socket) {
-    WireBuffer buffer;
-    while (!buffer.broken()) {
-        if (std::optional<std::string> message = buffer.next()) return message;
-        char bytes[64 << 10];
-        const ssize_t count = ::recv(socket, bytes, sizeof bytes, 0);
-        if (count > 0)
-            buffer.append({bytes, static_cast<std::size_t>(count)});
-        else if (count == 0 || errno != EINTR)
-            break;
-    }
-    return std::nullopt;
-}
-
-bool sendAll(int socket, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (count > 0)
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            return false;
-    }
-    return true;
-}
 
 ScriptResult notStarted(const std::string& why) {
     ScriptResult result;
@@ -60,31 +30,10 @@ ScriptResult runJob(const ScriptJob& job, int socket) {
     return ScriptWatch(job, std::move(process).value(), socket).run();
 }
 
-// A script may send its parent any signal, and a terminal or a service manager sends them to all alike: none
-// ends the helper, so that it can clear up. Only what a fault of the helper itself raises stays as it is.
-void blockSignals() {
-    sigset_t all;
-    sigfillset(&all);
-    for (int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS})
-        sigdelset(&all, fault);
-    ::sigprocmask(SIG_SETMASK, &all, nullptr);
-    // ignored, as it may have been inherited, it would take away what is to be waited for
-    ::signal(SIGCHLD, SIG_DFL);
-}
-
-// Standard output and error are there, so no descriptor of ours is taken for one of them.
-void fillStandardDescriptors() {
-    int fd = 0;
-    while (fd >= 0 && fd <= 2)
-        fd = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-    if (fd > 2) ::close(fd);
-}
-
 }  // namespace
 
 int runScriptCommand(int socket) {
-    blockSignals();
-    fillStandardDescriptors();
+    guardProcess();
     const std::optional<std::string> message = receiveMessage(socket);
     if (!message) return 3;
     const std::optional<ScriptJob> job = decodeScriptJob(*message);

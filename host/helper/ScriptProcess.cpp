@@ -1,5 +1,6 @@
 #include "host/helper/ScriptProcess.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <vector>
@@ -41,11 +42,22 @@ std::vector<char*> pointers(Words& words) {
     return list;
 }
 
-std::string homeOf(const ScriptJob& job) {
-    std::string home = "/";
-    for (const std::string& entry : job.environment)
-        if (entry.starts_with("HOME=/")) home = entry.substr(5);
-    return home;
+std::string valueOf(const Words& environment, const std::string& name, std::string otherwise) {
+    for (const std::string& entry : environment)
+        if (entry.starts_with(name + "=/")) otherwise = entry.substr(name.size() + 1);
+    return otherwise;
+}
+
+std::string foundProgram(const std::string& name, const std::string& path) {
+    if (name.find('/') != std::string::npos) return name;
+    for (std::size_t begin = 0; begin <= path.size();) {
+        const std::size_t end = std::min(path.find(':', begin), path.size());
+        const std::string candidate = path.substr(begin, end - begin) + "/" + name;
+        if (candidate[0] == '/' && candidate[1] != '/' && ::access(candidate.c_str(), X_OK) == 0)
+            return candidate;
+        begin = end + 1;
+    }
+    return name;
 }
 
 // All that the new process needs, made before the fork: between fork and exec only system calls.
@@ -100,9 +112,8 @@ Error systemError(const char* what) {
     return {std::string(what) + ": " + std::strerror(errno)};
 }
 
-}  // namespace
-
-Result<ScriptProcess> startScript(const ScriptJob& job, const std::string& path) {
+// Gives what runs, or the system's reason why nothing does. An error: it did not come so far.
+Result<ScriptProcess> launched(std::vector<Words> lines, Words environment, int input, int& failed) {
     int output[2];
     int report[2];
     if (::pipe2(output, O_CLOEXEC) != 0) return systemError("no pipe for its output");
@@ -111,15 +122,10 @@ Result<ScriptProcess> startScript(const ScriptJob& job, const std::string& path)
     if (::pipe2(report, O_CLOEXEC) != 0) return systemError("no pipe for its start");
     UniqueFd reportRead(report[0]);
     UniqueFd reportWrite(report[1]);
-    UniqueFd nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
-    if (!nothing) return systemError("/dev/null cannot be read");
     ::fcntl(readEnd.get(), F_SETFL, O_NONBLOCK);
 
-    std::vector<Words> lines = commandLines(job, path);
-    Words environment = job.environment;
-    const std::string home = homeOf(job);
-    Launch launch{{},        pointers(environment), home.c_str(), nothing.get(), writeEnd.get(), report[1],
-                  ::getpid()};
+    const std::string home = valueOf(environment, "HOME", "/");
+    Launch launch{{}, pointers(environment), home.c_str(), input, writeEnd.get(), report[1], ::getpid()};
     for (Words& line : lines)
         launch.lines.push_back(pointers(line));
 
@@ -128,16 +134,37 @@ Result<ScriptProcess> startScript(const ScriptJob& job, const std::string& path)
     if (process == 0) become(launch);
     writeEnd.reset();
     reportWrite.reset();
-    int failed = 0;
     ssize_t count = 0;
     // ends when exec has closed the other end
     while ((count = ::read(reportRead.get(), &failed, sizeof failed)) < 0 && errno == EINTR) {
     }
     if (count == sizeof failed) {
         ::waitpid(process, nullptr, 0);
-        return Error{whyNot(failed, job)};
+        return Error{std::strerror(failed)};
     }
+    failed = 0;
     return ScriptProcess{process, std::move(readEnd)};
+}
+
+}  // namespace
+
+Result<ScriptProcess> startScript(const ScriptJob& job, const std::string& path) {
+    UniqueFd nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    if (!nothing) return systemError("/dev/null cannot be read");
+    int failed = 0;
+    auto process = launched(commandLines(job, path), job.environment, nothing.get(), failed);
+    if (!process && failed != 0) return Error{whyNot(failed, job)};
+    return process;
+}
+
+Result<ScriptProcess> startProgram(const Words& words, const Words& environment, const UniqueFd& input) {
+    Words line = words;
+    line[0] = foundProgram(words[0], valueOf(environment, "PATH", "/usr/bin:/bin"));
+    int failed = 0;
+    auto process = launched({line}, environment, input.get(), failed);
+    if (!process && failed == ENOENT) return Error{"there is no program " + words[0]};
+    if (!process && failed != 0) return Error{words[0] + " cannot be run: " + std::strerror(failed)};
+    return process;
 }
 
 }  // namespace vigil

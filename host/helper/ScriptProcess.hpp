@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <sys/types.h>
 
@@ -21,5 +22,10 @@ struct ScriptProcess {
 /// cannot be executed as it stands (a file system without execution, a file that another process has open)
 /// the program is called as Linux would have called it. Works in the home folder. Fails with words.
 Result<ScriptProcess> startScript(const ScriptJob& job, const std::string& path);
+
+/// Runs a program in the same way, with what `input` holds from its beginning as its standard input. The
+/// first word is a path, or a name that is looked up in the environment's PATH. Fails with words.
+Result<ScriptProcess> startProgram(const std::vector<std::string>& words,
+                                   const std::vector<std::string>& environment, const UniqueFd& input);
 
 }  // namespace vigil

@@ -12,32 +12,75 @@ const InterfaceProperty* switchOf(QRVPlugIn& plugIn) {
     return owner ? owner->propertyNamed("evaluating") : nullptr;
 }
 
+/// What a plug-in threw where it should have named an obstacle.
+class Thrown : public Object {
+  public:
+    explicit Thrown(std::string words) : m_words(std::move(words)) {}
+    std::string className() const override { return "Thrown"; }
+    std::string description() const override { return m_words; }
+
+  private:
+    std::string m_words;
+};
+
 }  // namespace
 
 HostedPlugIn::HostedPlugIn(HostWorld& world, std::shared_ptr<QRVPlugIn> plugIn)
     : m_world(world), m_plugIn(std::move(plugIn)) {}
 
+void HostedPlugIn::load() {
+    try {
+        call([](QRVPlugIn& plugIn) { plugIn.didLoad(); });
+    } catch (...) {
+        markFailed(std::current_exception());
+    }
+}
+
+void HostedPlugIn::unload() {
+    try {
+        call([](QRVPlugIn& plugIn) { plugIn.willUnload(); });
+    } catch (...) {
+        m_world.log().logLevel(kLogProblem, "\"" + m_plugIn->title() + "\" failed as it was unloaded: " +
+                                                exceptionText(std::current_exception()));
+    }
+}
+
 std::shared_ptr<Object> HostedPlugIn::start() {
-    auto obstacle = call([](QRVPlugIn& plugIn) { return plugIn.start(); });
-    if (obstacle) return obstacle;
+    try {
+        auto obstacle = call([](QRVPlugIn& plugIn) { return plugIn.start(); });
+        if (obstacle) return obstacle;
+    } catch (...) {
+        markFailed(std::current_exception());
+        return std::make_shared<Thrown>(*m_failure);
+    }
     m_started = true;
     m_failure.reset();
     return nullptr;
 }
 
 std::shared_ptr<Object> HostedPlugIn::stop() {
-    auto obstacle = call([](QRVPlugIn& plugIn) { return plugIn.stop(); });
-    if (!obstacle) m_started = false;
-    return obstacle;
+    try {
+        auto obstacle = call([](QRVPlugIn& plugIn) { return plugIn.stop(); });
+        if (!obstacle) m_started = false;
+        return obstacle;
+    } catch (...) {
+        const std::string words = exceptionText(std::current_exception());
+        if (!m_failure) m_failure = words;
+        return std::make_shared<Thrown>(words);
+    }
 }
 
 std::optional<bool> HostedPlugIn::evaluating() {
     return call([](QRVPlugIn& plugIn) -> std::optional<bool> {
         const InterfaceProperty* property = switchOf(plugIn);
         if (!property) return std::nullopt;
-        const Value value = property->get(*plugIn.interfaceOwner());
-        const bool* flag = value.as<bool>();
-        return flag ? std::optional(*flag) : std::nullopt;
+        try {
+            const Value value = property->get(*plugIn.interfaceOwner());
+            const bool* flag = value.as<bool>();
+            return flag ? std::optional(*flag) : std::nullopt;
+        } catch (...) {
+            return std::nullopt;  // one that cannot tell is shown by what it does
+        }
     });
 }
 
@@ -61,11 +104,8 @@ Result<std::shared_ptr<Object>> HostedPlugIn::setEvaluating(bool on) {
 void HostedPlugIn::markFailed(const std::exception_ptr& what) {
     m_failure = exceptionText(what);
     std::string text = "\"" + m_plugIn->title() + "\" failed and is stopped: " + *m_failure;
-    try {
-        if (stop()) text += " (stopping it met an obstacle; it may go on)";
-    } catch (...) {
-        text += " (stopping it failed too: " + exceptionText(std::current_exception()) + ")";
-    }
+    if (const auto obstacle = stop())
+        text += " (it does not stop and may go on: " + obstacle->description() + ")";
     m_world.log().logLevel(kLogProblem, text);
 }
 

@@ -28,13 +28,17 @@ class HostedPlugIn {
         return std::forward<Action>(action)(*m_plugIn);
     }
 
+    /// Tells it that it is loaded, or that it leaves. One that throws then is marked.
+    void load();
+    void unload();
+
     /// Nothing means that it runs (or does not run any more); else what stood in the way, and all is as it
-    /// was. Starting takes a mark away.
+    /// was. Starting takes a mark away. One that throws is marked, and what it threw is the obstacle.
     std::shared_ptr<Object> start();
     std::shared_ptr<Object> stop();
     bool isStarted() const { return m_started; }
 
-    /// The switch of a monitor; nothing where the plug-in has none.
+    /// The switch of a monitor; nothing where the plug-in has none or does not say.
     std::optional<bool> evaluating();
     /// Turns the switch. One that runs is stopped with the old value and started with the new one, since a
     /// plug-in looks at its switch only then. The value is an obstacle of stopping (the switch then stands

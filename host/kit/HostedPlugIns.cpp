@@ -41,7 +41,7 @@ std::shared_ptr<Object> HostedPlugIns::remove(const Object& plugIn) {
     if ((*place)->isStarted()) {
         if (auto obstacle = (*place)->stop()) return obstacle;
     }
-    (*place)->call([](QRVPlugIn& leaving) { leaving.willUnload(); });
+    (*place)->unload();
     std::shared_ptr<QRVPlugIn> last = (*place)->plugIn();
     m_all.erase(place);
     const World::Scope scope(m_world);

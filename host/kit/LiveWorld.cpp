@@ -47,6 +47,21 @@ LocalTime LiveWorld::localTime(Date date) {
     return systemLocalTime(date);
 }
 
+SpeechOutput& LiveWorld::speech() {
+    if (m_liveSound) return m_liveSound->speech();
+    return m_speech;
+}
+
+SoundOutput& LiveWorld::sound() {
+    if (m_liveSound) return m_liveSound->sound();
+    return m_sound;
+}
+
+LiveSound& LiveWorld::offerSound(Player::Options options) {
+    m_liveSound = std::make_unique<LiveSound>(std::move(options), m_mailbox, m_log);
+    return *m_liveSound;
+}
+
 RunLoop& LiveWorld::currentRunLoop() {
     if (m_mailbox.isMainThread()) return m_mainLoop;
     return m_sleepingLoop;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
+#include "host/kit/LiveSound.hpp"
 #include "host/kit/UnavailableServices.hpp"
 #include "host/services/Mailbox.hpp"
 #include "host/services/MainRunLoop.hpp"
@@ -36,12 +38,15 @@ class LiveWorld : public HostWorld {
     const Collation& collation() override { return m_collation; }
     RunLoop& currentRunLoop() override;
     InterfaceFiles& interfaceFiles() override { return m_interfaceFiles; }
-    SpeechOutput& speech() override { return m_speech; }
-    SoundOutput& sound() override { return m_sound; }
+    SpeechOutput& speech() override;
+    SoundOutput& sound() override;
     AutomationScripts& automationScripts() override { return m_automationScripts; }
     QRVLog& log() override { return m_log; }
     std::string scriptsFolder() override { return m_scriptsFolder; }
     PlugInHost& plugInHost() override { return m_plugInHost; }
+
+    /// Offers sound and speech from now on; before, there is neither. Main thread, once.
+    LiveSound& offerSound(Player::Options options);
 
   private:
     QRVLog& m_log;
@@ -58,6 +63,7 @@ class LiveWorld : public HostWorld {
     UnavailableSound m_sound{m_log};
     UnavailableAutomationScripts m_automationScripts{m_log};
     PlugInHost m_plugInHost;
+    std::unique_ptr<LiveSound> m_liveSound;
 };
 
 }  // namespace vigil

@@ -54,6 +54,25 @@ void EffectLedger::started(EffectRecord& record, Date when) {
     m_writer.putEffect(record, {});
 }
 
+void EffectLedger::started(EffectRecord& record, Date when, std::function<void()> go) {
+    record.state = EffectRecord::Started;
+    record.started = when;
+    m_writer.putEffect(record, [go = std::move(go)](const Result<Done>&) { go(); });
+}
+
+EffectRecord EffectLedger::another(const EffectRecord& last) {
+    EffectRecord record = last;
+    record.id = m_writer.newId();
+    record.firstAttempt = last.firstAttempt != 0 ? last.firstAttempt : last.id;
+    record.attempt = last.attempt + 1;
+    record.state = EffectRecord::Queued;
+    record.queued = m_clock();
+    record.started = record.ended = record.again = std::nullopt;
+    record.result.clear();
+    record.detail.clear();
+    return record;
+}
+
 void EffectLedger::ended(EffectRecord record, Date when, std::string result, std::string detail,
                          bool failed) {
     if (record.state == EffectRecord::Queued) record.started = when;
@@ -71,6 +90,12 @@ void EffectLedger::ended(EffectRecord record, Date when, std::string result, std
     if (failed) ++m_failures;
     if (record.plugIn != 0)
         m_last[record.plugIn] = {std::move(record.what), std::move(record.result), when, failed};
+}
+
+void EffectLedger::remember(const EffectRecord& ended) {
+    const std::lock_guard lock(m_mutex);
+    m_last[ended.plugIn] = {ended.what, ended.result, ended.ended.value_or(ended.queued),
+                            ended.result != "succeeded"};
 }
 
 std::optional<EffectLedger::Last> EffectLedger::last(RecordId plugIn) const {

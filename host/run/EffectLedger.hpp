@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -30,10 +31,19 @@ class EffectLedger {
     /// Writes the record and calls `release` once, on the writer's thread. Any thread.
     void queued(const EffectRecord& record, std::function<void()> release);
     void started(EffectRecord& record, Date when);
+    /// The same for what must not begin before that is written down: `go` is called as `release` is.
+    void started(EffectRecord& record, Date when, std::function<void()> go);
+    /// A record for the next attempt at what that one stands for. Any thread.
+    EffectRecord another(const EffectRecord& last);
     /// `failed` makes it count among the failures and puts a line into the log.
     void ended(EffectRecord record, Date when, std::string result, std::string detail, bool failed);
 
     Date now() const { return m_clock(); }
+
+    /// From now on no effect that has not begun begins any more: whoever is released ends its record as
+    /// interrupted. Any thread.
+    void stopEffects() { m_stopping = true; }
+    bool isStopping() const { return m_stopping; }
 
     struct Last {
         std::string what{};
@@ -41,7 +51,9 @@ class EffectLedger {
         Date when;
         bool failed = false;
     };
-    /// What a plug-in did last; nothing when it has done nothing in this run. Any thread.
+    /// What it did before this run began, as the site file tells. Before anything else.
+    void remember(const EffectRecord& ended);
+    /// What a plug-in did last; nothing when nobody knows of anything. Any thread.
     std::optional<Last> last(RecordId plugIn) const;
     /// How many ended with which result, by kind and result. Any thread.
     std::map<std::pair<std::string, std::string>, std::uint64_t> counts() const;
@@ -57,6 +69,7 @@ class EffectLedger {
     std::map<RecordId, Last> m_last;
     std::map<std::pair<std::string, std::string>, std::uint64_t> m_counts;
     std::uint64_t m_failures = 0;
+    std::atomic<bool> m_stopping{false};
 };
 
 /// "script", "sound", "speech", "mail", "sms"

@@ -35,6 +35,9 @@ std::optional<Error> LedgerScripts::accept(ScriptRequest request,
         m_ledger.make(EffectRecord::Script, spoken(m_nameOf(request.source), request.arguments), plugIn));
     if (record->station.empty()) record->station = request.station;
     m_ledger.queued(*record, [this, record, request = std::move(request)]() mutable {
+        if (m_ledger.isStopping())
+            return m_ledger.ended(*record, m_ledger.now(), scriptOutcomeName(ScriptResult::Interrupted),
+                                  "the host stopped before its turn came", /*failed=*/true);
         m_runner.submit(
             std::move(request),
             [this, record](const ScriptResult& result) {

@@ -123,6 +123,8 @@ std::string metricsText(const SiteStatus& status) {
     page.sample({}, status.historyWritten);
     page.family("vigil_history_lost_total", "counter", "Notifications that the history could not keep.");
     page.sample({}, status.historyLost);
+    page.family("vigil_log_lines_lost_total", "counter", "Lines of the log that could not be written.");
+    page.sample({}, status.lostLogLines);
     page.family("vigil_history_queue", "gauge", "Notifications that wait to be written.");
     page.sample({}, status.historyQueued);
     page.family("vigil_main_queue", "gauge", "Tasks that wait for the main thread.");

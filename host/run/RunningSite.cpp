@@ -9,15 +9,38 @@
 #include "host/run/PlugInState.hpp"
 #include "host/run/StationSetup.hpp"
 #include "host/services/SystemClock.hpp"
+#include "platform/ClassRegistry.hpp"
 
 // How a site comes to run. Other files hold what it does then and how it ends.
 
 namespace vigil {
 namespace {
 
+/// The class whose bundle holds the sounds that its actions play.
+constexpr const char* kMonitorModuleClass = "QRVVigilPlugIn";
+
 std::string folderOf(const std::string& path) {
     const auto slash = path.rfind('/');
     return slash == std::string::npos ? "." : path.substr(0, slash);
+}
+
+// An archive is by far the largest part of a record, and the running plug-in makes its own.
+PlugInRecord withoutArchive(const PlugInRecord& record) {
+    return {.id = record.id,
+            .station = record.station,
+            .className = record.className,
+            .title = record.title,
+            .edition = record.edition};
+}
+
+AutomationOptions automationOf(const RunningSite::Options& options) {
+    AutomationOptions automation = options.automation;
+    if (automation.helper.empty()) automation.helper = helperPath(options.programFolder);
+    if (!automation.secret && options.secret)
+        automation.secret = [secret = options.secret](const std::string& name) {
+            return Result<std::optional<std::string>>(secret(name));
+        };
+    return automation;
 }
 
 }  // namespace
@@ -28,7 +51,9 @@ RunningSite::RunningSite(SiteFile& site, QRVLog& log, Options options)
       m_options(std::move(options)),
       m_writer(site, {.now = systemNow}),
       m_world(log, m_interfaceFiles,
-              m_options.scriptsFolder.empty() ? defaultScriptsFolder() : m_options.scriptsFolder, m_writer),
+              m_options.scriptsFolder.empty() ? defaultScriptsFolder() : m_options.scriptsFolder, m_writer,
+              {.helper = helperPath(m_options.programFolder), .setup = m_options.player},
+              automationOf(m_options)),
       m_scripts(m_world.effects(), {.helper = helperPath(m_options.programFolder), .clock = systemNow},
                 [this](const std::string& source) { return m_world.notedFiles().nameOf(source); }),
       m_pool(m_options.threads),
@@ -38,6 +63,8 @@ RunningSite::RunningSite(SiteFile& site, QRVLog& log, Options options)
 Result<std::unique_ptr<RunningSite>> RunningSite::make(SiteFile& site, QRVLog& log, Options options) {
     if (auto loaded = loadMonitorModule(options.programFolder); !loaded) return loaded.error();
     std::unique_ptr<RunningSite> made(new RunningSite(site, log, std::move(options)));
+    if (const auto bundle = ClassRegistry::shared().bundleForClass(kMonitorModuleClass))
+        made->m_world.lookAtSounds(bundle->resourcePath);
     if (auto restored = made->restore(); !restored) return restored.error();
     return made;
 }
@@ -51,7 +78,8 @@ Result<Done> RunningSite::restore() {
     if (!interrupted) return interrupted.error();
     if (m_options.history) {
         const auto tell = [this](const std::string& sentence) { m_log.logLevel(kLogProblem, sentence); };
-        auto history = HistoryWriter::open(m_site.path(), {.tell = tell});
+        auto history =
+            HistoryWriter::open(m_site.path(), {.retentionDays = m_options.historyDays, .tell = tell});
         // A history is a comfort; the watch goes on without it.
         if (!history)
             m_noHistory = "no history is kept: " + history.error().message;
@@ -65,12 +93,25 @@ Result<Done> RunningSite::restore() {
     for (const StationRecord& record : stations.value())
         addStation(record);
     m_entries.reserve(plugIns.value().size());
-    for (const PlugInRecord& record : plugIns.value())
-        addPlugIn(record);
+    for (PlugInRecord& record : plugIns.value())
+        addPlugIn(std::move(record));
+    rememberLast();
     waitForUnfinished(interrupted.value());
     m_unfinished = interrupted.value().fires;
     reportInterrupted(interrupted.value());
+    m_world.automationScripts().resume(interrupted.value().deferred);
     return Done{};
+}
+
+// What cannot be read is not shown; nothing depends on it.
+void RunningSite::rememberLast() {
+    if (const auto fires = m_site.lastFires())
+        for (Entry& entry : m_entries)
+            if (const auto found = fires.value().find(entry.record.id); found != fires.value().end())
+                entry.lastFire = found->second;
+    if (const auto effects = m_site.lastEffects())
+        for (const EffectRecord& effect : effects.value())
+            m_world.effects().remember(effect);
 }
 
 void RunningSite::addStation(const StationRecord& record) {
@@ -106,23 +147,24 @@ std::shared_ptr<Station> RunningSite::stationOf(RecordId id) const {
     return found == m_stations.end() ? nullptr : found->second->station();
 }
 
-void RunningSite::addPlugIn(const PlugInRecord& record) {
-    Entry entry{.record = record, .notes = std::make_shared<CycleNotes>(m_cycleTimes), .saved = Clock::now()};
+void RunningSite::addPlugIn(PlugInRecord record) {
+    Entry entry{.notes = std::make_shared<CycleNotes>(m_cycleTimes), .saved = Clock::now()};
     const auto station = stationOf(record.station);
     auto plugIn = station ? monitorFromArchive(record.archive, station)
                           : Result<std::shared_ptr<QRVPlugIn>>(Error{"its station is not there"});
     if (!plugIn) {
         entry.trouble = plugIn.error().message;
         m_log.logLevel(kLogProblem, "\"" + record.title + "\" cannot be restored: " + entry.trouble);
+        entry.record = std::move(record);
     } else {
         plugIn.value()->setTitle(record.title);
         if (CycleReporting* cycles = plugIn.value()->cycleReporting()) cycles->setCycleObserver(entry.notes);
         m_world.fires().enroll(*plugIn.value(), {record.id, station->name(), record.title});
         entry.hosted = &m_plugIns.add(std::move(plugIn).value());
-        entry.hosted->call([](QRVPlugIn& loaded) { loaded.didLoad(); });
+        entry.hosted->load();
         entry.savedHash = std::hash<std::string>()(record.archive);
-        entry.record.archive.clear();
-        if (m_history) m_history->archived(record, m_world.now(), ArchiveReason::Began);
+        entry.record = withoutArchive(record);
+        if (m_history) m_history->archived(std::move(record), m_world.now(), ArchiveReason::Began);
     }
     m_entries.push_back(std::move(entry));
 }

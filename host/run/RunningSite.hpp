@@ -34,7 +34,14 @@ class RunningSite {
         std::string version{};
         std::size_t threads = 2;  ///< that strands share
         bool history = true;
-        /// The secret of that name for feeds.
+        int historyDays = 400;  ///< for which it is kept
+        PlayerSetup player{};   ///< the device for sounds, the program and the voice for speech
+        /// How mail and short messages go out. `helper`, `clock` and `secret` are filled in where they are
+        /// empty.
+        AutomationOptions automation{};
+        /// Lines of the log that found no way out; absent: nobody counts them. Any thread.
+        std::function<std::uint64_t()> lostLogLines{};
+        /// The secret of that name for feeds, and for the mail server.
         std::function<std::optional<std::string>(const std::string&)> secret{};
     };
 
@@ -54,6 +61,9 @@ class RunningSite {
     /// Takes over what somebody changed in the site file: what is new or in another form begins, what is gone
     /// ends, all else goes on. At rest.
     void reload();
+    /// Begins to end: no fire and no effect begins any more, and every speech ends, so that the main thread
+    /// comes to rest soon, whatever it waits for. `serveUntil` then returns. Any thread.
+    void beginStop();
     /// Ends the feeds, gives up what has not begun, ends what runs, writes everything down. At rest.
     void stop();
 
@@ -72,7 +82,7 @@ class RunningSite {
     using Clock = std::chrono::steady_clock;
 
     struct Entry {
-        PlugInRecord record;
+        PlugInRecord record{};
         HostedPlugIn* hosted = nullptr;  ///< nothing where it could not be restored
         std::shared_ptr<CycleNotes> notes;
         std::string trouble{};  ///< why it could not be restored
@@ -82,7 +92,8 @@ class RunningSite {
         std::optional<Date> lastFire{};
     };
     struct Changes {
-        std::map<RecordId, Date> waits{};  ///< of plug-ins that were ended, by their own dates
+        std::map<RecordId, Date> waits{};            ///< of plug-ins that were ended, by their own dates
+        std::map<RecordId, std::string> archives{};  ///< of those that nobody edited
         std::size_t removed = 0;
     };
     struct Trouble {
@@ -93,8 +104,9 @@ class RunningSite {
     RunningSite(SiteFile& site, QRVLog& log, Options options);
 
     Result<Done> restore();
+    void rememberLast();
     void addStation(const StationRecord& record);
-    void addPlugIn(const PlugInRecord& record);
+    void addPlugIn(PlugInRecord record);
     std::shared_ptr<Station> stationOf(RecordId id) const;
     void startPlugIn(Entry& entry, WatchReason reason);
     void startFeed(RecordId station);
@@ -144,6 +156,7 @@ class RunningSite {
     std::vector<std::function<void()>> m_unposted;  // fires for which the main queue had no place
     Date m_since;
     Clock::time_point m_reminded{};
+    Clock::time_point m_forgot = Clock::now();  // the opening has just done it
     bool m_stopped = false;
 };
 

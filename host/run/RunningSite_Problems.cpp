@@ -37,6 +37,8 @@ std::map<std::string, std::string> RunningSite::problems() const {
     if (writer.refused > 0)
         found["refused"] = std::to_string(writer.refused) + " fires and effects found no place and are lost";
     if (!m_noHistory.empty()) found["history"] = m_noHistory;
+    if (m_history)
+        if (const auto failing = m_history->counts().failing; !failing.empty()) found["history"] = failing;
     return found;
 }
 

@@ -42,7 +42,7 @@ void RunningSite::reload() {
                                         (stations ? plugIns.error() : stations.error()).message);
         return;
     }
-    const Changes changes = removeChanged(stations.value(), plugIns.value());
+    Changes changes = removeChanged(stations.value(), plugIns.value());
     std::size_t added = 0;
     for (const StationRecord& record : stations.value()) {
         if (m_stations.contains(record.id)) continue;
@@ -50,13 +50,18 @@ void RunningSite::reload() {
         startFeed(record.id);
         ++added;
     }
-    for (const PlugInRecord& record : plugIns.value()) {
+    for (PlugInRecord& record : plugIns.value()) {
         if (entryOf(record.id)) continue;
-        addPlugIn(record);
+        auto asItIs = changes.archives.extract(record.id);
+        if (asItIs) record.archive = std::move(asItIs.mapped());
+        addPlugIn(std::move(record));
         Entry& entry = m_entries.back();
-        const auto before = changes.waits.find(record.id);
+        if (asItIs) entry.savedHash = 0;  // the file holds an older one
+        const auto before = changes.waits.find(entry.record.id);
         if (entry.hosted && before != changes.waits.end()) {
             waitAtLeastUntil(*entry.hosted->plugIn(), before->second);
+            save(entry);
+        } else if (entry.hosted && asItIs) {
             save(entry);
         }
         startPlugIn(entry, WatchReason::Changed);
@@ -82,17 +87,26 @@ RunningSite::Changes RunningSite::removeChanged(const std::vector<StationRecord>
         if (record && !stationEnded && record->edition == entry.record.edition) continue;
         // A wait is the plug-in's own, whatever else somebody has set.
         noteWait(entry, changes);
+        // Where only its station changed, it goes on as it is now, and not as it was written down last.
+        if (record && entry.hosted && record->edition == entry.record.edition)
+            if (auto archive = archiveOf(entry))
+                changes.archives[entry.record.id] = std::move(archive).value();
         const bool off = record && !stationEnded && !isActiveArchive(record->archive);
         if (!removeEntry(i, off ? WatchReason::Switched : WatchReason::Changed)) continue;
         ++changes.removed;
     }
+    std::vector<std::string> names;
     for (const RecordId id : ended) {
-        const auto station = m_stations.extract(id).mapped();
+        const auto& station = m_stations.at(id);
         station->close();
-        m_feeds.remove(station->record().name);
-        m_troubles.erase(id);
-        ++changes.removed;
+        names.push_back(station->record().name);
     }
+    m_feeds.remove(names);
+    for (const RecordId id : ended) {
+        m_stations.erase(id);
+        m_troubles.erase(id);
+    }
+    changes.removed += ended.size();
     return changes;
 }
 

@@ -57,6 +57,58 @@ TEST_F(Running, OneThatIsChangedBeginsAnewAndKeepsItsWait) {
     EXPECT_THAT(record->archive, HasSubstr("windSpeed.unitValue > -2"));
 }
 
+TEST_F(Running, OneWhoseStationChangesGoesOnAsItIsAndNotAsItWasWrittenDownLast) {
+    add("Kept", archive("windSpeed.unitValue > 1000", 1, "note.sh"));
+    start();
+    serveUntil([&] { return monitor("Kept").missed > 2; });
+    EXPECT_EQ(m_file->plugInTitled("Kept").value()->archive.find("lastEvaluationDictionary"),
+              std::string::npos)
+        << "nothing has written it down yet";
+    {
+        auto editing = SiteFile::open(m_path, Access::Edit);
+        ASSERT_TRUE(editing) << editing.error().message;
+        auto station = *editing.value()->stationNamed("Roof").value();
+        station.feed = "";
+        ASSERT_TRUE(editing.value()->editStation(station));
+    }
+    m_site->reload();
+    EXPECT_EQ(monitor("Kept").missed, 0U)
+        << "another object stands for it now, and hears of nothing any more";
+    end();
+    open();
+    EXPECT_THAT(m_file->plugInTitled("Kept").value()->archive, HasSubstr("lastEvaluationDictionary"));
+}
+
+TEST_F(Running, WhatAMonitorDidLastIsKnownAfterARestart) {
+    add("Storm", archive("windSpeed.unitValue > -1", 60, "note.sh old"));
+    start();
+    serveUntil([&] { return monitor("Storm").lastResult == "succeeded"; });
+    const auto fired = monitor("Storm").lastFire;
+    ASSERT_TRUE(fired);
+    end();
+    open();
+    start();
+    EXPECT_EQ(monitor("Storm").lastAction, "note.sh old");
+    EXPECT_EQ(monitor("Storm").lastResult, "succeeded");
+    ASSERT_TRUE(monitor("Storm").lastFire);
+    EXPECT_NEAR(monitor("Storm").lastFire->secondsSince(*fired), 0, 1e-6);
+    end();
+}
+
+TEST_F(Running, WhatFailedBeforeThisRunIsShownAndIsNoProblemOfIt) {
+    m_folder.write("scripts/note.sh", "#!/bin/sh\nexit 3\n");
+    add("Storm", archive("windSpeed.unitValue > -1", 60, "note.sh"));
+    start();
+    serveUntil([&] { return monitor("Storm").lastFailed; });
+    EXPECT_THAT(m_site->status().problems, testing::Contains(HasSubstr("Storm")));
+    end();
+    open();
+    start();
+    EXPECT_TRUE(monitor("Storm").lastFailed);
+    EXPECT_THAT(m_site->status().problems, testing::Not(testing::Contains(HasSubstr("Storm"))));
+    end();
+}
+
 TEST_F(Running, TheHistoryKnowsNotificationsFiresAndWhoWatched) {
     const RecordId id = add("Always", archive("windSpeed.unitValue > -1", 60, "note.sh"));
     start();

@@ -111,7 +111,9 @@ SiteStatus RunningSite::status() {
         for (const MonitorStatus& monitor : shown.monitors) {
             if (monitor.state == "failed" || monitor.state == "cannot be judged")
                 status.problems.push_back("\"" + monitor.title + "\" " + monitor.words);
-            if (monitor.lastFailed)
+            // What failed before this run was told then; only what fails in it is wrong now.
+            const auto last = m_world.effects().last(monitor.id);
+            if (last && last->failed && last->when >= m_since)
                 status.problems.push_back("\"" + monitor.title + "\": " + monitor.lastAction + " " +
                                           monitor.lastResult);
         }
@@ -137,6 +139,7 @@ SiteStatus RunningSite::status() {
     const auto pool = m_pool.counts();
     status.threads = pool.threads;
     status.threadsAway = pool.away;
+    if (m_options.lostLogLines) status.lostLogLines = m_options.lostLogLines();
     status.mainQueue = m_world.mailbox().waiting();
     status.judged = m_cycleTimes.judged.counts();
     status.fired = m_cycleTimes.fired.counts();

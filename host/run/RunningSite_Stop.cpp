@@ -4,9 +4,17 @@
 
 namespace vigil {
 
+void RunningSite::beginStop() {
+    m_world.mailbox().refuseHandOvers();
+    m_world.stopEffects();
+    // Nested loops have taken whatever was to wake the outermost one.
+    m_world.mailbox().dispatchAtRest([this] { m_world.mailbox().wake(); });
+}
+
 void RunningSite::stop() {
     if (m_stopped) return;
     m_stopped = true;
+    m_world.stopEffects();
     for (const auto& [id, station] : m_stations)
         station->close();
     // Scripts are ended while the feeds end: neither waits for the other.
@@ -25,6 +33,8 @@ void RunningSite::stop() {
         if (entry.hosted->isStarted()) entry.hosted->stop();
         if (m_history && entry.watching) m_history->stopped(entry.record.id, m_world.now(), WatchReason::Run);
     }
+    m_world.stopPlayer();
+    m_world.automationScripts().stop();
     for (Entry& entry : m_entries)
         if (entry.hosted && entry.notes->takeChanged()) save(entry);
     m_writer.stop();

@@ -12,6 +12,8 @@ namespace {
 
 /// Without a fire an archive is written at most so often.
 constexpr std::chrono::seconds kSaveEvery{60};
+/// What the ledger has kept for long enough goes in shares.
+constexpr std::chrono::minutes kForgetEvery{10};
 /// Stations with rolling readings look at their ages so often.
 constexpr std::chrono::seconds kRemindEvery{30};
 
@@ -24,6 +26,10 @@ void RunningSite::tick() {
         m_reminded = now;
         for (const auto& [id, station] : m_stations)
             if (!station->record().rolling.empty()) station->remind();
+    }
+    if (now - m_forgot >= kForgetEvery) {
+        m_forgot = now;
+        m_writer.forget(m_world.now().plus(-SiteFile::kKeptSeconds));
     }
     // A share of them each time, so that the main thread is never away for long.
     std::size_t share = m_entries.size() / 60 + 1;

@@ -25,7 +25,7 @@ struct MonitorStatus {
     std::string condition{};
     std::optional<Date> waitsUntil{};
     std::optional<Date> lastFire{};
-    std::string lastAction{};  ///< empty: none in this run
+    std::string lastAction{};  ///< empty: none that is known
     std::string lastResult{};
     bool lastFailed = false;
     std::uint64_t waiting = 0, missed = 0, fired = 0;  ///< cycles of this run

@@ -1,5 +1,7 @@
 #include "host/run/StatusJson.hpp"
 
+#include <utility>
+
 #include <nlohmann/json.hpp>
 
 namespace vigil {
@@ -51,25 +53,43 @@ MonitorStatus monitorOf(const Json& json) {
     return monitor;
 }
 
-Json stationJson(const StationStatus& station) {
+std::string textOf(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// Adds to an object's text, which has entries already, a list under one more name, entry by entry: as one
+/// tree of values a large site would take ten times the memory of its text.
+template <class Entries, class Append>
+void appendList(std::string& object, const char* name, const Entries& entries, Append append) {
+    object.back() = ',';
+    object += '"';
+    object += name;
+    object += "\":[";
+    const char* separator = "";
+    for (const auto& entry : entries) {
+        object += std::exchange(separator, ",");
+        append(object, entry);
+    }
+    object += "]}";
+}
+
+void appendStation(std::string& to, const StationStatus& station) {
     Json drops = Json::object();
     for (const auto& [why, count] : station.drops)
         drops[why] = count;
-    Json monitors = Json::array();
-    for (const MonitorStatus& monitor : station.monitors)
-        monitors.push_back(monitorJson(monitor));
-    return {{"name", station.name},
-            {"feed", station.feed},
-            {"feedState", station.feedState},
-            {"feedWords", station.feedWords},
-            {"lastData", dateJson(station.lastData)},
-            {"messages", station.messages},
-            {"notifications", station.notifications},
-            {"drops", std::move(drops)},
-            {"queued", station.queued},
-            {"scripts", station.scripts},
-            {"lastProblem", station.lastProblem},
-            {"monitors", std::move(monitors)}};
+    to += textOf({{"name", station.name},
+                  {"feed", station.feed},
+                  {"feedState", station.feedState},
+                  {"feedWords", station.feedWords},
+                  {"lastData", dateJson(station.lastData)},
+                  {"messages", station.messages},
+                  {"notifications", station.notifications},
+                  {"drops", std::move(drops)},
+                  {"queued", station.queued},
+                  {"scripts", station.scripts},
+                  {"lastProblem", station.lastProblem}});
+    appendList(to, "monitors", station.monitors,
+               [](std::string& text, const MonitorStatus& monitor) { text += textOf(monitorJson(monitor)); });
 }
 
 StationStatus stationOf(const Json& json) {
@@ -94,25 +114,24 @@ StationStatus stationOf(const Json& json) {
 }  // namespace
 
 std::string statusJson(const SiteStatus& status) {
-    Json stations = Json::array();
-    for (const StationStatus& station : status.stations)
-        stations.push_back(stationJson(station));
     Json actions = Json::array();
     for (const auto& [of, count] : status.actions)
         actions.push_back({{"kind", of.first}, {"result", of.second}, {"count", count}});
-    const Json json = {{"site", status.site},
-                       {"version", status.version},
-                       {"pid", status.pid},
-                       {"since", dateJson(status.since)},
-                       {"now", dateJson(status.now)},
-                       {"problems", status.problems},
-                       {"stations", std::move(stations)},
-                       {"actions", std::move(actions)},
-                       {"actionFailures", status.actionFailures},
-                       {"writesWaiting", status.writesWaiting},
-                       {"historyWritten", status.historyWritten},
-                       {"historyLost", status.historyLost}};
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    std::string text = textOf({{"site", status.site},
+                               {"version", status.version},
+                               {"pid", status.pid},
+                               {"since", dateJson(status.since)},
+                               {"now", dateJson(status.now)},
+                               {"problems", status.problems}});
+    appendList(text, "stations", status.stations, appendStation);
+    const std::string rest = textOf({{"actions", std::move(actions)},
+                                     {"actionFailures", status.actionFailures},
+                                     {"writesWaiting", status.writesWaiting},
+                                     {"historyWritten", status.historyWritten},
+                                     {"historyLost", status.historyLost},
+                                     {"lostLogLines", status.lostLogLines}});
+    text.back() = ',';
+    return text.append(rest, 1);
 }
 
 Result<SiteStatus> statusFromJson(const std::string& text) {
@@ -134,6 +153,7 @@ Result<SiteStatus> statusFromJson(const std::string& text) {
         status.writesWaiting = json.at("writesWaiting");
         status.historyWritten = json.at("historyWritten");
         status.historyLost = json.at("historyLost");
+        status.lostLogLines = json.at("lostLogLines");
         return status;
     } catch (const nlohmann::json::exception& wrong) {
         return Error{std::string("this is no status: ") + wrong.what()};

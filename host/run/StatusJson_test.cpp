@@ -21,7 +21,9 @@ SiteStatus sample() {
     monitor.lastFailed = true;
     monitor.fired = 1;
     station.monitors.push_back(monitor);
+    station.monitors.push_back({.id = 3, .title = "Frost", .state = "not active"});
     status.stations.push_back(station);
+    status.stations.push_back({.id = 4, .name = "Shed", .feedState = "none"});
     status.actions[{"script", "failed"}] = 3;
     return status;
 }
@@ -31,8 +33,11 @@ TEST(StatusJson, AStatusComesBackAsItWasWritten) {
     const auto back = statusFromJson(text);
     ASSERT_TRUE(back) << back.error().message;
     EXPECT_EQ(statusJson(back.value()), text);
-    ASSERT_EQ(back.value().stations.size(), 1u);
-    ASSERT_EQ(back.value().stations[0].monitors.size(), 1u);
+    ASSERT_EQ(back.value().stations.size(), 2u);
+    EXPECT_EQ(back.value().stations[1].name, "Shed");
+    EXPECT_TRUE(back.value().stations[1].monitors.empty());
+    ASSERT_EQ(back.value().stations[0].monitors.size(), 2u);
+    EXPECT_EQ(back.value().stations[0].monitors[1].title, "Frost");
     const MonitorStatus& monitor = back.value().stations[0].monitors[0];
     EXPECT_EQ(monitor.title, "Gust");
     EXPECT_EQ(monitor.waitsUntil, Date(300));

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <sys/types.h>
 
@@ -30,6 +31,8 @@ class HelperProcess {
     int process() const { return m_process.get(); }
     pid_t number() const { return m_number; }
 
+    /// Queues a further message.
+    void send(std::string_view message) { m_out += message; }
     /// Sends what is queued and takes what has come, as far as that goes without waiting.
     void exchange();
     /// The next whole message of the helper, without its length.

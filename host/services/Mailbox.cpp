@@ -1,5 +1,6 @@
 #include "host/services/Mailbox.hpp"
 
+#include <limits>
 #include <utility>
 
 #include "host/services/Mailbox_HandOver.hpp"
@@ -40,16 +41,20 @@ void Mailbox::dispatchSync(const Task& task) {
 }
 
 bool Mailbox::dispatchAsync(Task task) {
-    return post(m_posted, std::move(task));
+    return post(m_posted, std::move(task), kPostedTasks);
+}
+
+bool Mailbox::dispatchReport(Task task) {
+    return post(m_posted, std::move(task), std::numeric_limits<std::size_t>::max());
 }
 
 bool Mailbox::dispatchAtRest(Task task) {
-    return post(m_atRest, std::move(task));
+    return post(m_atRest, std::move(task), kPostedTasks);
 }
 
-bool Mailbox::post(std::deque<Posted>& queue, Task task) {
+bool Mailbox::post(std::deque<Posted>& queue, Task task, std::size_t most) {
     const std::lock_guard lock(m_mutex);
-    if (m_closed || m_posted.size() + m_atRest.size() >= kPostedTasks) return false;
+    if (m_closed || m_posted.size() + m_atRest.size() >= most) return false;
     queue.push_back({++m_arrivals, std::move(task), World::current()});
     m_changed.notify_all();
     if (m_waker) m_waker();

@@ -54,6 +54,10 @@ class Mailbox : public MainQueue {
     void dispatchSync(const Task& task) override;
     bool dispatchAsync(Task task) override;
 
+    /// Queues a report that a loop on the main thread waits for: it is taken also where the mailbox is full.
+    /// False when it is closed.
+    bool dispatchReport(Task task);
+
     /// Queues a task that begins only when the main thread stands in its main loop, outside every task and
     /// nested loop: removing, closing, quitting. From now until it has run no new hand-over begins. False
     /// when the mailbox is full or closed.
@@ -114,7 +118,7 @@ class Mailbox : public MainQueue {
     bool serveReady(std::unique_lock<std::mutex>& lock, Loop loop);
     void run(std::unique_lock<std::mutex>& lock, HandOver& handOver);
     void run(std::unique_lock<std::mutex>& lock, Posted posted);
-    bool post(std::deque<Posted>& queue, Task task);
+    bool post(std::deque<Posted>& queue, Task task, std::size_t most);
     void arrived();
 
     const std::thread::id m_mainThread;

@@ -56,6 +56,12 @@ void HistoryWriter::archived(const PlugInRecord& plugIn, Date date, ArchiveReaso
             HistoryEvent(ArchiveTaken{std::make_shared<const PlugInRecord>(plugIn), date, reason}));
 }
 
+void HistoryWriter::archived(PlugInRecord&& plugIn, Date date, ArchiveReason reason) {
+    if (isFinite(date) && m_thread->archives.wants(plugIn, date, reason))
+        m_thread->queue.push(HistoryEvent(
+            ArchiveTaken{std::make_shared<const PlugInRecord>(std::move(plugIn)), date, reason}));
+}
+
 void HistoryWriter::named(RecordId station, const std::string& name) {
     m_thread->queue.push(HistoryEvent(StationNamed{station, std::make_shared<const std::string>(name)}));
 }

@@ -59,6 +59,7 @@ class HistoryWriter {
     /// The plug-in's keyed archive. `Saved` is kept at most once an hour and only where it differs from the
     /// last one of the plug-in, `Edited` only where it differs, `Began` always.
     void archived(const PlugInRecord& plugIn, Date date, ArchiveReason reason);
+    void archived(PlugInRecord&& plugIn, Date date, ArchiveReason reason);
     /// What a station is called, for readers of the history.
     void named(RecordId station, const std::string& name);
     /// Forgets a station with all that was kept of it and of its plug-ins.

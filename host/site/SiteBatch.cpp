@@ -1,5 +1,6 @@
 #include "host/site/SiteBatch.hpp"
 
+#include "host/site/SiteForget.hpp"
 #include "host/site/SiteRows.hpp"
 #include "host/site/SiteSql.hpp"
 
@@ -15,14 +16,15 @@ SiteDatabase& prepared(SiteDatabase& database) {
 
 const char* const kPutEffect =
     "INSERT INTO effects (id, fire, plugIn, station, title, kind, what, state, queued, started, ended, "
-    "result, "
-    "detail) VALUES (?1, ?2, (SELECT id FROM plugIns WHERE id = ?3), "
-    "?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13) "
+    "result, detail, attempt, firstAttempt, again, handOver) "
+    "VALUES (?1, ?2, (SELECT id FROM plugIns WHERE id = ?3), "
+    "?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, ?17) "
     "ON CONFLICT (id) DO UPDATE SET fire = excluded.fire, plugIn = excluded.plugIn, station = "
     "excluded.station, "
     "title = excluded.title, kind = excluded.kind, what = excluded.what, state = excluded.state, "
     "queued = excluded.queued, started = excluded.started, ended = excluded.ended, result = excluded.result, "
-    "detail = excluded.detail";
+    "detail = excluded.detail, attempt = excluded.attempt, firstAttempt = excluded.firstAttempt, "
+    "again = excluded.again, handOver = excluded.handOver";
 
 SiteBatch::SiteBatch(const std::string& path)
     : m_path(path),
@@ -86,6 +88,13 @@ Result<Done> SiteBatch::complete(RecordId fire, const PlugInRecord& plugIn) {
     if (auto saved = save(plugIn); !saved) return saved;
     m_complete.bind(1, fire);
     return ran(m_complete, nullptr);
+}
+
+Result<Done> SiteBatch::forget(Date before) {
+    SQLite::Database& database = m_database.sql();
+    if (!hasOlder(database, before)) return Done{};
+    forgetOlder(database, before, kForgottenAtOnce);
+    return Done{};
 }
 
 }  // namespace vigil

@@ -12,6 +12,9 @@ namespace vigil {
 /// Inserts an effect or replaces the one with its id; parameters as `bindEffect` binds them.
 extern const char* const kPutEffect;
 
+/// A share that takes a few milliseconds.
+inline constexpr int kForgottenAtOnce = 1000;
+
 /// The writer's connection: writes of many callers in one transaction. One thread. What fails for all of
 /// them is thrown as SQLite::Exception, and then this object is of no further use: everything that was not
 /// committed is as before.
@@ -27,6 +30,8 @@ class SiteBatch {
     Result<Done> put(const EffectRecord& effect);
     Result<Done> save(const PlugInRecord& plugIn);
     Result<Done> complete(RecordId fire, const PlugInRecord& plugIn);
+    /// At most `kForgottenAtOnce` completed fires and as many ended effects from before that date go.
+    Result<Done> forget(Date before);
     /// On the disk when it returns.
     void commit();
 

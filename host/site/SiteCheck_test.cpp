@@ -21,7 +21,7 @@ class SiteChecks : public testing::Test {
   protected:
     std::string at(const std::string& name) const { return m_folder.path() + "/" + name; }
     std::string golden() const {
-        std::ifstream file(VIGIL_SOURCE_DIR "/tests/golden/site/version-1.sql");
+        std::ifstream file(VIGIL_SOURCE_DIR "/tests/golden/site/version-2.sql");
         std::ostringstream text;
         text << file.rdbuf();
         SQLite::Database(at("home"), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec(text.str());

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -54,11 +55,18 @@ struct SiteSummary {
     bool clean = true;             ///< closed cleanly, or never written to since
 };
 
+/// A mail or short message that was refused for now and may be tried again.
+struct DeferredEffect {
+    EffectRecord last{};  ///< its latest attempt
+    Date first{};         ///< when it was handed over
+};
+
 /// What a stop left open.
 struct Interrupted {
     std::vector<FireRecord> fires{};  ///< intents without a completion, in the order of their ids
     std::vector<EffectRecord>
         effects{};  ///< as they stand now: ended, "interrupted"; begun where `started` is
+    std::vector<DeferredEffect> deferred{};  ///< to be tried again, in the order of their ids
 };
 
 /// Which effects to list.
@@ -132,7 +140,8 @@ class SiteFile {
 
     /// For the start of a run: every effect without an end becomes one that ended `now`, "interrupted" (of a
     /// mail or message that had begun the detail says that it may have been sent), and what is older than
-    /// `kKeptSeconds` goes. Writes nothing where there is nothing to do.
+    /// `kKeptSeconds` goes. Messages that were refused for now are listed and stay as they are. Writes
+    /// nothing where there is nothing to do.
     Result<Interrupted> openLedger(Date now);
 
     /// In the order in which they were queued.
@@ -140,8 +149,10 @@ class SiteFile {
     /// The fire, or nothing where it is not there (any more).
     Result<std::optional<FireRecord>> fire(RecordId id) const;
 
-    /// Forgets completed fires and ended effects from before that date. How many rows went.
-    Result<std::size_t> prune(Date before);
+    /// When each plug-in that has fired last began to.
+    Result<std::map<RecordId, Date>> lastFires() const;
+    /// Of each plug-in that has done something, the last effect that has ended.
+    Result<std::vector<EffectRecord>> lastEffects() const;
 
     Result<SiteSummary> summary() const;
 

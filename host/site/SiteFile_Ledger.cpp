@@ -5,15 +5,12 @@
 #include "host/site/SiteBatch.hpp"
 #include "host/site/SiteDatabase.hpp"
 #include "host/site/SiteFile.hpp"
+#include "host/site/SiteForget.hpp"
 #include "host/site/SiteRows.hpp"
 #include "host/site/SiteSql.hpp"
 
 namespace vigil {
 namespace {
-
-constexpr const char* kHighestId =
-    "SELECT max((SELECT value FROM meta WHERE name = 'highestId'), "
-    "ifnull((SELECT max(id) FROM fires), 0), ifnull((SELECT max(id) FROM effects), 0))";
 
 std::string whatIsKnown(const EffectRecord& effect) {
     if (!effect.started) return "it did not begin: the program stopped before";
@@ -41,25 +38,24 @@ std::string allEffects(const std::string& rest) {
     return std::string("SELECT ") + kEffectColumns + " FROM effects " + rest;
 }
 
-/// Inside a transaction.
-std::size_t forget(SQLite::Database& database, Date before) {
-    database.exec(std::string("UPDATE meta SET value = (") + kHighestId + ") WHERE name = 'highestId'");
-    std::size_t gone = 0;
-    for (const char* which : {"DELETE FROM effects WHERE queued < ? AND state = 'ended'",
-                              "DELETE FROM fires WHERE time < ? AND completed = 1"}) {
-        SQLite::Statement remove(database, which);
-        remove.bind(1, before.secondsSinceReference());
-        gone += static_cast<std::size_t>(remove.exec());
+/// Those whose latest attempt ended with a date for the next. One that has begun since, whatever became of
+/// it, is a later attempt.
+std::vector<DeferredEffect> readDeferred(SQLite::Database& database) {
+    SQLite::Statement query(
+        database,
+        allEffects("AS e WHERE again IS NOT NULL AND state = 'ended' AND NOT EXISTS (SELECT 1 FROM effects "
+                   "AS n WHERE n.firstAttempt = ifnull(e.firstAttempt, e.id) AND n.attempt > "
+                   "e.attempt) ORDER BY id"));
+    SQLite::Statement first(database, "SELECT queued FROM effects WHERE id = ?");
+    std::vector<DeferredEffect> all;
+    for (EffectRecord& last : readEffects(query)) {
+        Date asked = last.queued;
+        first.bind(1, last.firstAttempt);
+        if (first.executeStep()) asked = Date(first.getColumn(0).getDouble());
+        first.reset();
+        all.push_back({std::move(last), asked});
     }
-    return gone;
-}
-
-bool hasOlder(SQLite::Database& database, Date before) {
-    SQLite::Statement query(database,
-                            "SELECT EXISTS (SELECT 1 FROM effects WHERE queued < ?1 AND state = 'ended') "
-                            "OR EXISTS (SELECT 1 FROM fires WHERE time < ?1 AND completed = 1)");
-    query.bind(1, before.secondsSinceReference());
-    return query.executeStep() && query.getColumn(0).getInt() != 0;
+    return all;
 }
 
 }  // namespace
@@ -75,6 +71,7 @@ Result<Interrupted> SiteFile::openLedger(Date now) {
         SQLite::Statement open(database, allEffects("WHERE state <> 'ended' ORDER BY id"));
         for (EffectRecord& effect : readEffects(open))
             found.effects.push_back(interrupted(std::move(effect), now));
+        found.deferred = readDeferred(database);
         const Date before = now.plus(-kKeptSeconds);
         if (found.effects.empty() && !hasOlder(database, before)) return found;
         const auto written = inTransaction(*m_database, [&]() -> Result<Done> {
@@ -84,7 +81,7 @@ Result<Interrupted> SiteFile::openLedger(Date now) {
                 put.exec();
                 put.reset();
             }
-            forget(database, before);
+            forgetOlder(database, before);
             return Done{};
         });
         if (!written) return written.error();
@@ -121,10 +118,22 @@ Result<std::optional<FireRecord>> SiteFile::fire(RecordId id) const {
     });
 }
 
-Result<std::size_t> SiteFile::prune(Date before) {
-    return asked<std::size_t>(m_path, [&] {
-        return inTransaction(*m_database,
-                             [&] { return Result<std::size_t>(forget(m_database->sql(), before)); });
+Result<std::map<RecordId, Date>> SiteFile::lastFires() const {
+    return asked<std::map<RecordId, Date>>(m_path, [&] {
+        std::map<RecordId, Date> last;
+        SQLite::Statement query(m_database->sql(), "SELECT plugIn, max(time) FROM fires GROUP BY plugIn");
+        while (query.executeStep())
+            last[query.getColumn(0).getInt64()] = Date(query.getColumn(1).getDouble());
+        return last;
+    });
+}
+
+Result<std::vector<EffectRecord>> SiteFile::lastEffects() const {
+    return asked<std::vector<EffectRecord>>(m_path, [&] {
+        SQLite::Statement query(m_database->sql(),
+                                allEffects("WHERE id IN (SELECT max(id) FROM effects WHERE state = 'ended' "
+                                           "AND plugIn IS NOT NULL GROUP BY plugIn) ORDER BY id"));
+        return readEffects(query);
     });
 }
 

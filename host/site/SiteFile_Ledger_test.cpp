@@ -10,6 +10,8 @@
 namespace vigil {
 namespace {
 
+using testing::ElementsAre;
+
 constexpr Date kNow(8e8);
 
 class Ledger : public testing::Test {
@@ -140,6 +142,43 @@ TEST_F(Ledger, closesWhatAStopLeftOpenAndSaysWhatIsKnownOfIt) {
     EXPECT_EQ(again.fires.size(), 1U) << "a fire stays open until its wait has been made up";
 }
 
+TEST_F(Ledger, aMessageThatWasRefusedForNowIsTriedAgainUnlessALaterAttemptHasBegun) {
+    const auto attempt = [&](RecordId id, RecordId first, int number, bool again) {
+        EffectRecord record = effect(id, 1000 - static_cast<double>(id));
+        record.kind = EffectRecord::Mail;
+        record.state = EffectRecord::Ended;
+        record.ended = kNow.plus(-50);
+        record.result = again ? "deferred" : "succeeded";
+        record.firstAttempt = first;
+        record.attempt = number;
+        record.handOver = "text " + std::to_string(id);
+        if (again) record.again = kNow.plus(static_cast<double>(id));
+        return record;
+    };
+    EffectRecord begun = attempt(26, 25, 2, false);
+    begun.state = EffectRecord::Started;
+    begun.started = kNow.plus(-40);
+    begun.ended = std::nullopt;
+    for (const EffectRecord& one :
+         {attempt(10, 0, 1, true),                             // deferred once
+          attempt(15, 0, 1, true), attempt(16, 15, 2, true),   // and again
+          attempt(20, 0, 1, true), attempt(21, 20, 2, false),  // taken at the second attempt
+          attempt(25, 0, 1, true), begun,                      // a second attempt that nobody knows about
+          attempt(30, 0, 1, false)})
+        put(one);
+    const auto found = m_site->openLedger(kNow).value().deferred;
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_EQ(found[0].last.id, 10);
+    EXPECT_EQ(found[0].first, found[0].last.queued);
+    EXPECT_EQ(found[0].last.handOver, "text 10");
+    EXPECT_EQ(found[0].last.again, kNow.plus(10));
+    EXPECT_EQ(found[1].last.id, 16);
+    EXPECT_EQ(found[1].last.attempt, 2);
+    EXPECT_EQ(found[1].last.firstAttempt, 15);
+    EXPECT_EQ(found[1].first, effect(15, 985).queued);
+    EXPECT_EQ(m_site->openLedger(kNow.plus(1)).value().deferred.size(), 2U) << "as long as none begins";
+}
+
 TEST_F(Ledger, listsTheNewestInTheirOrder) {
     for (const double age : {50.0, 40.0, 30.0, 20.0, 10.0})
         put(effect(static_cast<RecordId>(age), age));
@@ -147,7 +186,6 @@ TEST_F(Ledger, listsTheNewestInTheirOrder) {
     other.title = "Gale";
     other.station = "Pond";
     put(other);
-    using testing::ElementsAre;
     EXPECT_THAT(ids({}), ElementsAre(50, 40, 35, 30, 20, 10));
     EXPECT_THAT(ids({.limit = 2}), ElementsAre(20, 10));
     EXPECT_THAT(ids({.since = kNow.plus(-35)}), ElementsAre(35, 30, 20, 10));
@@ -170,21 +208,29 @@ TEST_F(Ledger, forgetsWhatIsOldAndOverAtAStartAndNothingElse) {
     put(FireRecord{.id = 90, .plugIn = m_plugIn, .time = kNow.plus(-old), .completed = true});
     EXPECT_EQ(m_site->highestId().value(), 90);
     ASSERT_TRUE(m_site->openLedger(kNow));
-    EXPECT_THAT(ids({}), testing::ElementsAre(2));
+    EXPECT_THAT(ids({}), ElementsAre(2));
     EXPECT_FALSE(m_site->fire(3).value());
     EXPECT_TRUE(m_site->fire(4).value());
     EXPECT_EQ(m_site->highestId().value(), 90) << "a number that was given is not given again";
     EXPECT_EQ(SiteWriter(*m_site).newId(), 91);
 }
 
-TEST_F(Ledger, prunesWhatIsAskedForAndCountsIt) {
-    for (RecordId id = 1; id <= 5; ++id) {
-        EffectRecord over = effect(id, 100 - static_cast<double>(id));
-        if (id != 2) over.state = EffectRecord::Ended;
+TEST_F(Ledger, knowsWhatEachMonitorDidLast) {
+    const RecordId roof = m_site->stations().value().at(0).id;
+    const RecordId gale = m_site->addPlugIn({.station = roof, .title = "Gale", .archive = "{}"}).value();
+    put(FireRecord{.id = 1, .plugIn = m_plugIn, .time = kNow.plus(-50), .completed = true});
+    put(FireRecord{.id = 2, .plugIn = m_plugIn, .time = kNow.plus(-40), .completed = true});
+    put(FireRecord{.id = 3, .plugIn = gale, .time = kNow.plus(-45), .completed = true});
+    EXPECT_EQ(m_site->lastFires().value(),
+              (std::map<RecordId, Date>{{m_plugIn, kNow.plus(-40)}, {gale, kNow.plus(-45)}}));
+    for (const RecordId id : {10, 11, 12}) {
+        EffectRecord over = effect(id, 100);
+        if (id != 12) over.state = EffectRecord::Ended;
         put(over);
     }
-    EXPECT_EQ(m_site->prune(kNow.plus(-96)).value(), 2U);
-    EXPECT_THAT(ids({}), testing::ElementsAre(2, 4, 5));
+    const auto effects = m_site->lastEffects().value();
+    ASSERT_EQ(effects.size(), 1U) << "what has not ended is not done, and Gale has done nothing";
+    EXPECT_EQ(effects[0].id, 11);
 }
 
 TEST_F(Ledger, anEffectOutlivesItsFireAndItsMonitor) {

@@ -166,7 +166,7 @@ TEST_F(SiteRowsTest, countsItsRows) {
         writer.putEffect({.id = 4, .state = EffectRecord::Ended, .queued = Date(20)});
     }
     const SiteSummary summary = site->summary().value();
-    EXPECT_EQ(summary.version, 1);
+    EXPECT_EQ(summary.version, 2);
     EXPECT_GT(summary.bytes, 4096U);
     EXPECT_EQ(summary.stations, 1U);
     EXPECT_EQ(summary.plugIns, 1U);

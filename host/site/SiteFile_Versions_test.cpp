@@ -32,7 +32,7 @@ std::vector<std::string> schemaOf(const std::string& path) {
 class SiteVersions : public testing::Test {
   protected:
     std::string restored(int version) const {
-        std::string path = m_folder.path() + "/golden.vigilsite";
+        std::string path = m_folder.path() + "/golden" + std::to_string(version) + ".vigilsite";
         SQLite::Database database(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
         database.exec(golden(version));
         return path;
@@ -133,14 +133,34 @@ TEST_F(SiteVersions, anOlderFileIsBroughtUpToDateWhoeverOpensIt) {
 }
 
 TEST_F(SiteVersions, aStepThatFailsLeavesTheFileAsItWas) {
-    const std::string path = restored(1);
+    const std::string path = restored(SiteSchema::current().version);
     const auto site = SiteFile::open(path, Access::Write,
                                      coming(std::string(kAddPlace) + "INSERT INTO nowhere VALUES (1);"));
     ASSERT_FALSE(site);
     EXPECT_EQ(site.error().kind, SiteError::Kind::Environment);
     EXPECT_THAT(site.error().message, testing::HasSubstr("nowhere"));
-    EXPECT_EQ(versionIn(path), 1);
+    EXPECT_EQ(versionIn(path), SiteSchema::current().version);
     EXPECT_EQ(schemaOf(path), schemaOf(fresh()));
+}
+
+TEST_F(SiteVersions, aFileFromBeforeAttemptsGetsThemAndTheirColumns) {
+    const std::string path = restored(1);
+    { ASSERT_TRUE(SiteFile::open(path, Access::Write)); }
+    EXPECT_EQ(versionIn(path), 2);
+    SQLite::Database migrated(path), made(fresh());
+    const auto columns = [](SQLite::Database& database, const char* table) {
+        SQLite::Statement query(database, std::string("SELECT name, type, \"notnull\", dflt_value FROM "
+                                                      "pragma_table_xinfo('") +
+                                              table + "') ORDER BY cid");
+        std::vector<std::string> all;
+        while (query.executeStep())
+            all.push_back(query.getColumn(0).getString() + " " + query.getColumn(1).getString() + " " +
+                          query.getColumn(2).getString() + " " + query.getColumn(3).getString());
+        return all;
+    };
+    EXPECT_EQ(columns(migrated, "effects"), columns(made, "effects"));
+    EXPECT_EQ(columns(migrated, "ledger"), columns(made, "ledger"));
+    EXPECT_EQ(migrated.execAndGet("SELECT attempt FROM effects WHERE id = 44").getInt(), 1);
 }
 
 TEST_F(SiteVersions, severalStepsRunInTheirOrder) {

@@ -110,7 +110,7 @@ TEST_F(SiteFileTest, aLaterFormatIsRefusedWithBothNumbers) {
     { SQLite::Database(path(), SQLite::OPEN_READWRITE).exec("PRAGMA user_version = 7"); }
     const SiteError error = refusal();
     EXPECT_EQ(error.kind, SiteError::Kind::TooNew);
-    EXPECT_THAT(error.message, HasSubstr("(format 7, this one knows up to 1)"));
+    EXPECT_THAT(error.message, HasSubstr("(format 7, this one knows up to 2)"));
 }
 
 TEST_F(SiteFileTest, oneProcessWritesAndTheNextIsToldWhichWhileAnyMayRead) {

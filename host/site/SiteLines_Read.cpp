@@ -67,7 +67,11 @@ Result<EffectRecord> effectOf(const Json& json) {
                         .started = dateOf(json, "started"),
                         .ended = dateOf(json, "ended"),
                         .result = json.at("result").get<std::string>(),
-                        .detail = json.at("detail").get<std::string>()};
+                        .detail = json.at("detail").get<std::string>(),
+                        .attempt = json.value("attempt", 1),
+                        .firstAttempt = json.value("firstAttempt", RecordId{0}),
+                        .again = dateOf(json, "again"),
+                        .handOver = json.value("handOver", std::string())};
 }
 
 class Rows {
@@ -76,7 +80,8 @@ class Rows {
         : m_station(database, "INSERT INTO stations VALUES (?, ?, ?, ?, ?, ?)"),
           m_plugIn(database, "INSERT INTO plugIns VALUES (?, ?, ?, ?, ?, ?)"),
           m_fire(database, "INSERT INTO fires VALUES (?, ?, ?, ?)"),
-          m_effect(database, "INSERT INTO effects VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)") {}
+          m_effect(database,
+                   "INSERT INTO effects VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)") {}
 
     Result<Done> insert(const std::string& member, const Json& json) {
         if (member == "station") {

@@ -55,6 +55,10 @@ Json toJson(const EffectRecord& effect) {
     if (effect.ended) json["ended"] = effect.ended->secondsSinceReference();
     json["result"] = effect.result;
     json["detail"] = effect.detail;
+    if (effect.attempt != 1) json["attempt"] = effect.attempt;
+    if (effect.firstAttempt != 0) json["firstAttempt"] = effect.firstAttempt;
+    if (effect.again) json["again"] = effect.again->secondsSinceReference();
+    if (!effect.handOver.empty()) json["handOver"] = effect.handOver;
     return json;
 }
 

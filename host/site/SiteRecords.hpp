@@ -61,6 +61,12 @@ struct EffectRecord {
     std::optional<Date> ended{};    ///< of Ended
     std::string result{};           ///< of Ended: "succeeded", "failed", "interrupted", …
     std::string detail{};           ///< of Ended: a sentence, and the last lines that were written
+
+    // Of mail and short messages: each attempt is a record of its own.
+    int attempt = 1;
+    RecordId firstAttempt = 0;    ///< of the second and later ones: the record of the first
+    std::optional<Date> again{};  ///< of Ended where it was refused for now: when the next attempt is due
+    std::string handOver{};  ///< what a further attempt needs: the whole text that the action handed over
 };
 
 }  // namespace vigil

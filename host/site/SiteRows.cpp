@@ -135,7 +135,11 @@ EffectRecord readEffect(SQLite::Statement& row) {
             .started = dateAt(row, 9),
             .ended = dateAt(row, 10),
             .result = row.getColumn(11).getString(),
-            .detail = row.getColumn(12).getString()};
+            .detail = row.getColumn(12).getString(),
+            .attempt = row.getColumn(13).getInt(),
+            .firstAttempt = row.getColumn(14).getInt64(),
+            .again = dateAt(row, 15),
+            .handOver = row.getColumn(16).getString()};
 }
 
 void bindStation(SQLite::Statement& to, const StationRecord& station) {
@@ -177,6 +181,10 @@ void bindEffect(SQLite::Statement& to, const EffectRecord& effect) {
     bindDate(to, 11, effect.ended);
     to.bind(12, effect.result);
     to.bind(13, effect.detail);
+    to.bind(14, effect.attempt);
+    bindId(to, 15, effect.firstAttempt);
+    bindDate(to, 16, effect.again);
+    to.bind(17, effect.handOver);
 }
 
 }  // namespace vigil

@@ -31,7 +31,8 @@ constexpr const char* kStationColumns = "id, name, feed, usUnits, units, rolling
 constexpr const char* kPlugInColumns = "id, station, className, title, archive, edition";
 constexpr const char* kFireColumns = "id, plugIn, time, completed";
 constexpr const char* kEffectColumns =
-    "id, fire, plugIn, station, title, kind, what, state, queued, started, ended, result, detail";
+    "id, fire, plugIn, station, title, kind, what, state, queued, started, ended, result, detail, attempt, "
+    "firstAttempt, again, handOver";
 
 /// The row that the statement stands on, which selected those columns. A station's lists that cannot be read
 /// are an error.

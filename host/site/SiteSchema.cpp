@@ -7,7 +7,7 @@ namespace {
 
 // A frozen version is never edited: what changes becomes a step and a higher version, and tests/golden/site
 // holds a file of each.
-constexpr const char* kVersion1 = R"sql(
+constexpr const char* kVersion2 = R"sql(
 CREATE TABLE meta (
     name TEXT NOT NULL PRIMARY KEY,
     value INTEGER NOT NULL
@@ -58,22 +58,48 @@ CREATE TABLE effects (
     started REAL,
     ended REAL,
     result TEXT NOT NULL,
-    detail TEXT NOT NULL
+    detail TEXT NOT NULL,
+    attempt INTEGER NOT NULL DEFAULT 1,
+    firstAttempt INTEGER,
+    again REAL,
+    handOver TEXT NOT NULL DEFAULT ''
 ) STRICT;
 CREATE INDEX effectsByTime ON effects (queued);
 CREATE INDEX effectsByFire ON effects (fire) WHERE fire IS NOT NULL;
 CREATE INDEX effectsOpen ON effects (id) WHERE state <> 'ended';
+CREATE INDEX effectsByAttempt ON effects (firstAttempt) WHERE firstAttempt IS NOT NULL;
+CREATE INDEX effectsAgain ON effects (id) WHERE again IS NOT NULL;
 
 CREATE VIEW ledger AS
 SELECT
-    id, station, title, kind, what, state, result, detail,
+    id, station, title, kind, what, state, attempt, result, detail,
     strftime('%Y-%m-%dT%H:%M:%fZ', queued + 978307200.0, 'unixepoch') AS queued,
     strftime('%Y-%m-%dT%H:%M:%fZ', started + 978307200.0, 'unixepoch') AS started,
-    strftime('%Y-%m-%dT%H:%M:%fZ', ended + 978307200.0, 'unixepoch') AS ended
+    strftime('%Y-%m-%dT%H:%M:%fZ', ended + 978307200.0, 'unixepoch') AS ended,
+    strftime('%Y-%m-%dT%H:%M:%fZ', again + 978307200.0, 'unixepoch') AS again
 FROM effects;
 
 INSERT INTO meta (name, value) VALUES ('clean', 1), ('highestId', 0);
 INSERT INTO metaTexts (name, value) VALUES ('identity', lower(hex(randomblob(16))));
+)sql";
+
+// Mail and short messages have attempts.
+constexpr const char* kFrom1To2 = R"sql(
+ALTER TABLE effects ADD COLUMN attempt INTEGER NOT NULL DEFAULT 1;
+ALTER TABLE effects ADD COLUMN firstAttempt INTEGER;
+ALTER TABLE effects ADD COLUMN again REAL;
+ALTER TABLE effects ADD COLUMN handOver TEXT NOT NULL DEFAULT '';
+CREATE INDEX effectsByAttempt ON effects (firstAttempt) WHERE firstAttempt IS NOT NULL;
+CREATE INDEX effectsAgain ON effects (id) WHERE again IS NOT NULL;
+DROP VIEW ledger;
+CREATE VIEW ledger AS
+SELECT
+    id, station, title, kind, what, state, attempt, result, detail,
+    strftime('%Y-%m-%dT%H:%M:%fZ', queued + 978307200.0, 'unixepoch') AS queued,
+    strftime('%Y-%m-%dT%H:%M:%fZ', started + 978307200.0, 'unixepoch') AS started,
+    strftime('%Y-%m-%dT%H:%M:%fZ', ended + 978307200.0, 'unixepoch') AS ended,
+    strftime('%Y-%m-%dT%H:%M:%fZ', again + 978307200.0, 'unixepoch') AS again
+FROM effects;
 )sql";
 
 void setVersion(SQLite::Database& database, int version) {
@@ -83,7 +109,8 @@ void setVersion(SQLite::Database& database, int version) {
 }  // namespace
 
 const SiteSchema& SiteSchema::current() {
-    static const SiteSchema schema = {.version = 1, .create = kVersion1};
+    static const SiteSchema schema = {
+        .version = 2, .create = kVersion2, .steps = {{.from = 1, .sql = kFrom1To2}}};
     return schema;
 }
 

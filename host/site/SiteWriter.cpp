@@ -18,7 +18,7 @@ std::size_t bytesOf(const FireRecord&) {
 
 std::size_t bytesOf(const EffectRecord& effect) {
     return effect.station.size() + effect.title.size() + effect.what.size() + effect.result.size() +
-           effect.detail.size();
+           effect.detail.size() + effect.handOver.size();
 }
 
 }  // namespace
@@ -57,6 +57,10 @@ void SiteWriter::completeFire(RecordId fire, PlugInRecord archive, Committed com
 void SiteWriter::saveArchive(PlugInRecord archive, Committed committed) {
     const std::size_t bytes = bytesOf(archive);
     take({Record(std::move(archive)), std::move(committed), bytes});
+}
+
+void SiteWriter::forget(Date before, Committed committed) {
+    take({Record(Forgetting{before}), std::move(committed), 0});
 }
 
 void SiteWriter::take(Write write) {

@@ -79,6 +79,10 @@ class SiteWriter {
     /// A plug-in's archive (and title).
     void saveArchive(PlugInRecord archive, Committed committed = {});
 
+    /// Some of the completed fires and ended effects from before that date go, few enough that nobody who
+    /// waits for a commit behind them notices. Nothing is written where there are none.
+    void forget(Date before, Committed committed = {});
+
     SiteWriterState state() const;
 
     /// Commits what waits and joins the thread; what a failing disk does not take in one more attempt is
@@ -90,7 +94,10 @@ class SiteWriter {
         RecordId fire;
         PlugInRecord plugIn;
     };
-    using Record = std::variant<FireRecord, EffectRecord, PlugInRecord, Completion>;
+    struct Forgetting {
+        Date before;
+    };
+    using Record = std::variant<FireRecord, EffectRecord, PlugInRecord, Completion, Forgetting>;
     struct Write {
         Record record;
         Committed committed;
@@ -110,6 +117,7 @@ class SiteWriter {
     static Result<Done> apply(SiteBatch& batch, const EffectRecord& effect);
     static Result<Done> apply(SiteBatch& batch, const PlugInRecord& plugIn);
     static Result<Done> apply(SiteBatch& batch, const Completion& completion);
+    static Result<Done> apply(SiteBatch& batch, const Forgetting& forgetting);
 
     SiteFile& m_site;
     const SiteWriterOptions m_options;

@@ -70,6 +70,10 @@ Result<Done> SiteWriter::apply(SiteBatch& batch, const Completion& completion) {
     return batch.complete(completion.fire, completion.plugIn);
 }
 
+Result<Done> SiteWriter::apply(SiteBatch& batch, const Forgetting& forgetting) {
+    return batch.forget(forgetting.before);
+}
+
 void SiteWriter::attempt(Work& work) {
     work.outcomes.clear();
     try {

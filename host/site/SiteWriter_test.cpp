@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/site/SiteBatch.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace vigil {
@@ -33,6 +34,28 @@ class SiteWriterTest : public testing::Test {
     SiteFile* m_site = nullptr;
     RecordId m_plugIn = 0;
 };
+
+TEST_F(SiteWriterTest, forgetsWhatIsOldAndOverInShares) {
+    constexpr int kOld = kForgottenAtOnce + 500;
+    SiteWriter writer(*m_site);
+    const auto put = [&](EffectRecord::State state, double time) {
+        writer.putEffect(
+            {.id = writer.newId(), .what = "a", .state = state, .queued = Date(time), .result = "succeeded"});
+    };
+    for (int i = 0; i < kOld; ++i)
+        put(EffectRecord::Ended, i);
+    put(EffectRecord::Queued, 0);
+    put(EffectRecord::Ended, kOld);
+    const auto left = [&] {
+        std::promise<bool> done;
+        writer.forget(Date(kOld), [&](const Result<Done>& committed) { done.set_value(bool(committed)); });
+        EXPECT_TRUE(done.get_future().get());
+        return m_site->summary().value().effects;
+    };
+    EXPECT_EQ(left(), 500U + 2U);
+    EXPECT_EQ(left(), 2U);
+    EXPECT_EQ(left(), 2U) << "what is open and what is young stays";
+}
 
 TEST_F(SiteWriterTest, whatWasToldAsCommittedIsInTheFile) {
     SiteWriter writer(*m_site);

@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <random>
 
 #include <gmock/gmock.h>
@@ -7,6 +6,7 @@
 #include "host/site/SiteFile.hpp"
 #include "tests/crash/Load.hpp"
 #include "tests/crash/Reported.hpp"
+#include "tests/support/ConditionGenerator.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace vigil {
@@ -61,7 +61,7 @@ void killAgainAndAgain(std::mt19937& moments, UnderWay& found) {
 }
 
 TEST(Crash, whatWasToldAsDurableIsThereHoweverTheProcessEnds) {
-    const int sites = std::getenv("VIGIL_LONG") ? 20 : 1;
+    const int sites = test::longFactor() > 1 ? 20 : 1;
     std::mt19937 moments(4711);
     UnderWay found;
     for (int site = 0; site < sites; ++site) {

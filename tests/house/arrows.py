@@ -16,7 +16,9 @@ import tree
 HOUSE = ("platform", "host_contract", "conditions", "conditions/editor")
 WITHOUT_CONDITIONS = ("platform", "host_contract")
 FEEDS = ("host/readings", "host/feeds", "host/feeds/wire", "host/feeds/live")
-BUILDING_BLOCKS = ("host/kit", "host/services", "host/site", *FEEDS)
+BUILDING_BLOCKS = ("host/kit", "host/services", "host/services/automation", "host/site", *FEEDS)
+# Seen by whoever needs them.
+WORDS = ("host/words",)
 # A room, and the rooms that it may see. Every room that stands here and not in the list behind it stays out of reach.
 MAY_SEE = {
     "platform": (),
@@ -26,16 +28,20 @@ MAY_SEE = {
     "plugins/VigilPlugIn/VigilPlugIn": HOUSE,
     "plugins/ContractProbe": WITHOUT_CONDITIONS,
     "host/services": WITHOUT_CONDITIONS,
+    "host/services/automation": (*WITHOUT_CONDITIONS, "host/services"),
     "host/readings": WITHOUT_CONDITIONS,
-    "host/feeds": (*WITHOUT_CONDITIONS, "host/readings"),
-    "host/feeds/wire": (*WITHOUT_CONDITIONS, "host/readings", "host/feeds"),
-    "host/feeds/live": (*WITHOUT_CONDITIONS, "host/readings", "host/feeds", "host/feeds/wire", "host/services"),
+    "host/words": ("platform",),
+    "host/settings": ("platform", *WORDS),
+    "host/feeds": (*WITHOUT_CONDITIONS, "host/readings", *WORDS),
+    "host/feeds/wire": (*WITHOUT_CONDITIONS, "host/readings", "host/feeds", *WORDS),
+    "host/feeds/live": (*WITHOUT_CONDITIONS, "host/readings", "host/feeds", "host/feeds/wire", "host/services",
+                        *WORDS),
     "host/site": WITHOUT_CONDITIONS,
-    "host/run": (*HOUSE, *BUILDING_BLOCKS),
-    "host/helper": ("platform", "host/services"),
+    "host/run": (*HOUSE, *BUILDING_BLOCKS, *WORDS),
+    "host/helper": ("platform", "host/services", "host/services/automation"),
     "host/kit": (*HOUSE, "host/services"),
-    "host/command": (*HOUSE, *BUILDING_BLOCKS, "host/run"),
-    "host/desktop": (*HOUSE, *BUILDING_BLOCKS, "host/run"),
+    "host/command": (*HOUSE, *BUILDING_BLOCKS, *WORDS, "host/settings", "host/run"),
+    "host/desktop": (*HOUSE, *BUILDING_BLOCKS, *WORDS, "host/settings", "host/run"),
 }
 # These are drawn so that a header that is not found there shows that the asking itself went wrong.
 MUST_EXIST = HOUSE

@@ -60,6 +60,13 @@ class Service:
                 f"vigil {' '.join(map(str, words))} ended with {run.returncode}: {run.stderr}{run.stdout}")
         return run
 
+    def vigil_alone(self, *words, status=0):
+        """A command that needs no site."""
+        run = subprocess.run([VIGIL, *words], capture_output=True, text=True, env=self.environment, timeout=PATIENCE)
+        require(run.returncode == status,
+                f"vigil {' '.join(map(str, words))} ended with {run.returncode}: {run.stderr}{run.stdout}")
+        return run
+
     def script(self, name, text):
         (self.scripts / name).write_text(text)
 

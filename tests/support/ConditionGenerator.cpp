@@ -146,7 +146,10 @@ std::string ConditionGenerator::bytes(std::size_t most) {
 
 int longFactor() {
     const char* const set = std::getenv("VIGIL_LONG");
-    return set ? std::max(1, std::atoi(set)) : 1;
+    if (!set || !*set) return 1;
+    constexpr int kLong = 10;
+    const int factor = std::atoi(set);
+    return factor > 1 ? factor : kLong;
 }
 
 }  // namespace vigil::test

@@ -48,7 +48,8 @@ class ConditionGenerator {
     std::mt19937 m_random;
 };
 
-/// How much more than usual long-running tests shall do: the environment's VIGIL_LONG, or 1.
+/// How much more than usual tests shall do that draw at random: 1, and with VIGIL_LONG set in the environment
+/// its number, or 10 where that is none above 1.
 int longFactor();
 
 }  // namespace vigil::test

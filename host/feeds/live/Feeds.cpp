@@ -32,16 +32,21 @@ Result<Done> Feeds::add(const std::string& station, const FeedUrl& url, std::sha
     return Done{};
 }
 
-void Feeds::remove(const std::string& station) {
-    State::Entry gone;
+void Feeds::remove(const std::vector<std::string>& stations) {
+    std::map<std::string, State::Entry> gone;
     {
         const std::lock_guard lock(m_state->mutex);
-        auto found = m_state->entries.extract(station);
-        if (found.empty()) return;
-        gone = std::move(found.mapped());
+        for (const std::string& station : stations)
+            gone.insert(m_state->entries.extract(station));
     }
-    gone.outlet->close();
-    gone.feed->askToEnd();
+    State::end(gone);
+}
+
+void Feeds::State::end(const std::map<std::string, Entry>& gone) {
+    for (const auto& [station, entry] : gone) {
+        entry.outlet->close();
+        entry.feed->askToEnd();
+    }
 }
 
 void Feeds::stop() {
@@ -50,10 +55,7 @@ void Feeds::stop() {
         const std::lock_guard lock(m_state->mutex);
         gone.swap(m_state->entries);
     }
-    for (const auto& [station, entry] : gone) {
-        entry.outlet->close();
-        entry.feed->askToEnd();
-    }
+    State::end(gone);
 }
 
 std::optional<FeedCounts> Feeds::counts(const std::string& station) const {

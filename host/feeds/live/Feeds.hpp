@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/feeds/FeedUrl.hpp"
 #include "host/feeds/live/FeedCounts.hpp"
@@ -46,8 +47,10 @@ class Feeds {
     /// broker that is down): that is a state. An error where the URL asks for what cannot be, and for a
     /// station that has a feed.
     Result<Done> add(const std::string& station, const FeedUrl& url, std::shared_ptr<FeedSink> sink);
-    /// The sink hears nothing more when this returns, within a second.
-    void remove(const std::string& station);
+    /// Their sinks hear nothing more when this returns, within a second for all of them together. One without
+    /// a feed is passed over.
+    void remove(const std::vector<std::string>& stations);
+    void remove(const std::string& station) { remove(std::vector{station}); }
     /// All of them, within a second together.
     void stop();
 

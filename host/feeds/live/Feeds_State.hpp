@@ -25,6 +25,9 @@ struct Feeds::State {
         std::unique_ptr<Feed> feed;
         bool readsStandardInput = false;
     };
+    /// All of them are asked to end before the first is waited for.
+    static void end(const std::map<std::string, Entry>& gone);
+
     using Made = Result<std::unique_ptr<Feed>>;
     using Outlet = std::shared_ptr<FeedOutlet>;
 

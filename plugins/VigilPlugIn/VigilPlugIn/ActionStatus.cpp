@@ -1,5 +1,7 @@
 #include "plugins/VigilPlugIn/VigilPlugIn/ActionStatus.hpp"
 
+#include <mutex>
+
 #include "platform/Object.hpp"
 
 namespace vigil {
@@ -14,7 +16,7 @@ void appendNextTriggerText(std::string& to, const std::optional<Date>& date) {
 
 void ActionStatus::set(std::string_view text) {
     {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_lock);
         m_sentence.assign(text);
         m_nextTriggers.clear();
     }
@@ -23,14 +25,14 @@ void ActionStatus::set(std::string_view text) {
 
 void ActionStatus::appendNextTrigger(const std::optional<Date>& date) {
     {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(m_lock);
         m_nextTriggers.push_back(date);
     }
     m_changed.notify();
 }
 
 std::string ActionStatus::text() const {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(m_lock);
     std::string text = m_sentence;
     for (const auto& date : m_nextTriggers)
         appendNextTriggerText(text, date);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,6 +8,7 @@
 
 #include "platform/Date.hpp"
 #include "platform/Property.hpp"
+#include "platform/SmallLock.hpp"
 
 namespace vigil {
 
@@ -29,7 +29,7 @@ class ActionStatus {
     }
 
   private:
-    mutable std::mutex m_mutex;
+    mutable SmallLock m_lock;
     std::string m_sentence;
     std::vector<std::optional<Date>> m_nextTriggers;
     Property<bool> m_changed;

@@ -1,5 +1,8 @@
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
+#include <mutex>
+#include <utility>
+
 #include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Actions.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/Criterion_Display.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/CycleScratch.hpp"
@@ -39,19 +42,39 @@ bool QRVVigilPlugIn::initWithAgent(std::shared_ptr<QRVAgentPlugIn> agent,
 }
 
 void QRVVigilPlugIn::initCommon() {
-    const auto station = agent();
-    setCriteria(std::make_shared<CriterionList>());
-    const auto roots = criteria();
-    roots->push_back(RunScriptCriterion::criterionWithAgent(station));
-    roots->push_back(PlaySoundCriterion::criterionWithAgent(station));
-    roots->push_back(SeparatorCriterion::criterionWithAgent(station));
-    roots->push_back(SpeakTextCriterion::criterionWithAgent(station));
-    roots->push_back(SayCurrentConditionsCriterion::criterionWithAgent(station));
-    roots->push_back(SeparatorCriterion::criterionWithAgent(station));
+    setCriteria(nullptr);
+    m_criteriaLock.lock();
+    m_criteriaOwed = true;
+    m_criteriaLock.unlock();
     HostWorld* host = world();
     setStartTime(host ? std::optional(host->now()) : std::nullopt);
     setActionStatus(kIdleStatus);
     setCurrentPropertyStringValue("");
+}
+
+std::shared_ptr<CriterionList> QRVVigilPlugIn::makeCriteria() const {
+    const auto station = agent();
+    return std::make_shared<CriterionList>(CriterionList{
+        RunScriptCriterion::criterionWithAgent(station),
+        PlaySoundCriterion::criterionWithAgent(station),
+        SeparatorCriterion::criterionWithAgent(station),
+        SpeakTextCriterion::criterionWithAgent(station),
+        SayCurrentConditionsCriterion::criterionWithAgent(station),
+        SeparatorCriterion::criterionWithAgent(station),
+    });
+}
+
+std::shared_ptr<CriterionList> QRVVigilPlugIn::criteria() const {
+    const std::lock_guard lock(m_criteriaLock);
+    if (std::exchange(m_criteriaOwed, false)) m_criteria = makeCriteria();
+    return m_criteria;
+}
+
+void QRVVigilPlugIn::setCriteria(std::shared_ptr<CriterionList> roots) {
+    // The list before ends behind the lock: its nodes may be the last to know others.
+    const std::lock_guard lock(m_criteriaLock);
+    m_criteriaOwed = false;
+    m_criteria.swap(roots);
 }
 
 HostWorld* QRVVigilPlugIn::world() const {

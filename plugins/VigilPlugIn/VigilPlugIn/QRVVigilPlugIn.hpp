@@ -14,6 +14,7 @@
 #include "platform/InterfaceOwner.hpp"
 #include "platform/NotificationCenter.hpp"
 #include "platform/RuleEditor.hpp"
+#include "platform/SmallLock.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/ActionStatus.hpp"
 #include "plugins/VigilPlugIn/VigilPlugIn/Criterion.hpp"
 
@@ -141,8 +142,10 @@ class QRVVigilPlugIn : public QRVPlugIn,
     void setLastEvaluationDictionary(std::optional<EvaluationDictionary> d) {
         m_lastEvaluationDictionary.set(std::move(d));
     }
-    std::shared_ptr<CriterionList> criteria() const { return m_criteria.get(); }
-    void setCriteria(std::shared_ptr<CriterionList> roots) { m_criteria.set(std::move(roots)); }
+    /// The six roots of the rule editor's tree, unless others were set. Made when first asked for: a monitor
+    /// that nobody edits needs none.
+    std::shared_ptr<CriterionList> criteria() const;
+    void setCriteria(std::shared_ptr<CriterionList> roots);
     std::shared_ptr<CriteriaRows> ruleEditorStoredCriteria() const { return m_storedCriteria.get(); }
     void setRuleEditorStoredCriteria(std::shared_ptr<CriteriaRows> rows) {
         m_storedCriteria.set(std::move(rows));
@@ -204,6 +207,7 @@ class QRVVigilPlugIn : public QRVPlugIn,
 
     static std::shared_ptr<ConditionPredicate> defaultPredicate();
     void initCommon();
+    std::shared_ptr<CriterionList> makeCriteria() const;
     HostWorld* world() const;
     bool connectPredicateEditor(const std::shared_ptr<Object>& object);
     bool judge(HostWorld& world, const Readings& batch, CycleScratch& scratch, ReadingsView& judged) const;
@@ -218,7 +222,9 @@ class QRVVigilPlugIn : public QRVPlugIn,
     Property<std::shared_ptr<PredicateEditor>> m_predicateEditor;
     std::shared_ptr<const void> m_predicateEdits;  // while it lives, edits of the condition reach `predicate`
     Property<std::shared_ptr<RuleEditor>> m_ruleEditor;
-    Property<std::shared_ptr<CriterionList>> m_criteria;
+    mutable SmallLock m_criteriaLock;
+    mutable bool m_criteriaOwed = false;  // they are to be made when somebody asks
+    mutable std::shared_ptr<CriterionList> m_criteria;
     Property<std::shared_ptr<CriteriaRows>> m_storedCriteria;
     Property<std::shared_ptr<DisplayValueRows>> m_storedDisplayValues;
     Property<std::optional<Date>> m_retriggerDate;

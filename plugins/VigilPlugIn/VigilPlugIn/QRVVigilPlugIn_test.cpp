@@ -38,6 +38,27 @@ TEST_F(Monitor, ANewOneHasItsDefaults) {
     EXPECT_EQ(m_monitor->audioPlayer(), nullptr);
 }
 
+TEST_F(Monitor, TheRootListIsOneListForAllWhoAskAlsoFromSeveralThreads) {
+    EXPECT_EQ(std::make_shared<QRVVigilPlugIn>()->criteria(), nullptr) << "before it is initialised";
+    std::shared_ptr<CriterionList> other;
+    std::thread asking([&] { other = m_monitor->criteria(); });
+    const auto roots = m_monitor->criteria();
+    asking.join();
+    ASSERT_NE(roots, nullptr);
+    EXPECT_EQ(roots, other);
+    EXPECT_EQ(roots->front()->agent(), m_agent);
+    roots->clear();
+    EXPECT_EQ(m_monitor->criteria()->size(), 0u);
+}
+
+TEST_F(Monitor, ARootListThatWasSetBeforeAnybodyAskedStays) {
+    m_monitor->setCriteria(nullptr);
+    EXPECT_EQ(m_monitor->criteria(), nullptr);
+    const auto own = std::make_shared<CriterionList>();
+    m_monitor->setCriteria(own);
+    EXPECT_EQ(m_monitor->criteria(), own);
+}
+
 TEST_F(Monitor, TheRootListHasSixEntriesInItsOrderWithSeparatorsThirdAndSixth) {
     std::vector<std::string> roots;
     for (const auto& root : *m_monitor->criteria())

@@ -1,4 +1,4 @@
-#include "host/feeds/NearestWord.hpp"
+#include "host/words/NearestWord.hpp"
 
 #include <algorithm>
 

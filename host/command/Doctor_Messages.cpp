@@ -1,0 +1,50 @@
+#include "host/command/Doctor_Probes.hpp"
+#include "host/command/ServiceOptions.hpp"
+#include "host/run/Secrets.hpp"
+
+// Mail and short messages: whether what is set can be used. Nothing is sent and no server is asked.
+
+namespace vigil {
+namespace {
+
+constexpr const char* kInstall = "install it, or set another in vigil.toml";
+
+/// The program, where its method needs one.
+Diagnosis programDiagnosis(const DoctorSurroundings& here, const std::string& name) {
+    if (const auto path = programPath(here, name)) return Diagnosis::well(*path + " takes it");
+    return Diagnosis::finding("there is no program " + name, kInstall);
+}
+
+/// The password is looked for, not told.
+std::optional<Diagnosis> passwordFinding(const DoctorSurroundings& here, const MailOptions& mail) {
+    if (mail.user.empty()) return std::nullopt;
+    const auto secret = Secrets(here.root + here.secretsFile).named(mail.secret);
+    if (secret && secret.value()) return std::nullopt;
+    return Diagnosis::finding(
+        "the login at " + mail.host + " has no secret called \"" + mail.secret + "\"",
+        "write a line \"" + mail.secret + " = PASSWORD\" into " + here.secretsFile + ", and chmod 600 it");
+}
+
+}  // namespace
+
+Diagnosis mailProbe(const DoctorSurroundings& here) {
+    const MailOptions mail = automationOptions(here.settings, here.programFolder).mail;
+    if (mail.method == MailOptions::None) return Diagnosis::well("none is set up, so none is sent");
+    if (const auto why = whyNoMail(mail))
+        return Diagnosis::finding(*why, "see [mail] in " + here.settingsFile);
+    if (mail.method == MailOptions::Sendmail) return programDiagnosis(here, mail.sendmail);
+    if (auto finding = passwordFinding(here, mail)) return *std::move(finding);
+    return Diagnosis::well("to " + mail.host + " port " + std::to_string(mail.port) +
+                           ", which was not asked");
+}
+
+Diagnosis smsProbe(const DoctorSurroundings& here) {
+    const SmsOptions sms = automationOptions(here.settings, here.programFolder).sms;
+    if (sms.method == SmsOptions::None) return Diagnosis::well("none is set up, so none is sent");
+    if (const auto why = whyNoSms(sms)) return Diagnosis::finding(*why, "see [sms] in " + here.settingsFile);
+    if (sms.method == SmsOptions::Command) return programDiagnosis(here, sms.command.front());
+    if (!sms.program.empty()) return programDiagnosis(here, sms.program);
+    return programDiagnosis(here, sms.method == SmsOptions::Gammu ? "gammu-smsd-inject" : "mmcli");
+}
+
+}  // namespace vigil
