@@ -8,6 +8,7 @@
 #include "host/services/automation/HandOver.hpp"
 #include "host/services/automation/MailMessage.hpp"
 #include "host/services/automation/testing/HandOverTexts.hpp"
+#include "host/words/Addresses.hpp"
 
 namespace {
 

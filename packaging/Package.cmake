@@ -1,4 +1,4 @@
-# Two Debian packages: vigil, and vigil-dev for people who build plug-ins. `scripts/package.sh` makes them.
+# Debian packages: vigil, vigil-window with Qt, and vigil-dev for people who build plug-ins. `scripts/package.sh` makes them.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME vigil)
 set(CPACK_PACKAGE_VENDOR Vigil)
@@ -19,6 +19,11 @@ set(CPACK_COMPONENT_PROGRAM_GROUP vigil)
 set(CPACK_COMPONENT_KIT_GROUP vigil)
 set(CPACK_COMPONENT_PLUGINS_GROUP vigil)
 set(CPACK_COMPONENT_DEV_GROUP vigil-dev)
+if(VIGIL_DESKTOP)
+    # A package of its own, so that a server gets no Qt.
+    list(APPEND CPACK_COMPONENTS_ALL window)
+    set(CPACK_COMPONENT_WINDOW_GROUP vigil-window)
+endif()
 
 set(VIGIL_MAINTAINER "Vigil maintainers <maintainers@vigil.invalid>" CACHE STRING
     "Whom the package names: Name <address>")
@@ -44,6 +49,17 @@ set(scripts "${CMAKE_CURRENT_SOURCE_DIR}/debian")
 file(WRITE "${PROJECT_BINARY_DIR}/packaging/shlibs" "libvigilkit ${PROJECT_VERSION_MAJOR} vigil (= ${PROJECT_VERSION})\n")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_CONTROL_EXTRA "${scripts}/postinst;${scripts}/prerm;${scripts}/postrm;${scripts}/triggers;${PROJECT_BINARY_DIR}/packaging/shlibs")
 set(CPACK_DEBIAN_VIGIL_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+set(CPACK_DEBIAN_VIGIL-WINDOW_PACKAGE_NAME vigil-window)
+set(CPACK_DEBIAN_VIGIL-WINDOW_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_VIGIL-WINDOW_DESCRIPTION
+    "monitors of measuring stations, the window
+The desktop window of Vigil: stations, readings, monitors with their
+editors, charts of when a condition would have fired, and the ledger of
+what was done.")
+set(CPACK_DEBIAN_VIGIL-WINDOW_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_VIGIL-WINDOW_PACKAGE_DEPENDS "vigil (= ${PROJECT_VERSION}), libqt6svg6")
+set(CPACK_DEBIAN_VIGIL-WINDOW_PACKAGE_RECOMMENDS "fonts-inter")
 
 set(CPACK_DEBIAN_VIGIL-DEV_PACKAGE_NAME vigil-dev)
 set(CPACK_DEBIAN_VIGIL-DEV_PACKAGE_SECTION libdevel)

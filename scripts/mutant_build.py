@@ -14,7 +14,8 @@ SKIPPED = {"build", ".git", ".cache", "__pycache__"}
 PATIENCE = 5
 LEAST_SECONDS = 30
 BUILD_SECONDS = 1800
-FAILED = re.compile(r"^\s+\d+ - (.*) \((.+)\)$", re.MULTILINE)
+# Skipped ones stand in a list of the same form.
+FAILED = re.compile(r"^\s+\d+ - (.*) \((?!Skipped|Disabled)(.+)\)$", re.MULTILINE)
 CANNOT_START = "Error running test executable"
 
 

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "host/command/CommandLine_Mistake.hpp"
+#include "host/command/OpenWindow.hpp"
 
 namespace vigil {
 namespace {
@@ -32,9 +33,9 @@ bool hasCommand(const CLI::App& app, const std::string& name) {
     return !app.get_subcommands([&](const CLI::App* command) { return command->check_name(name); }).empty();
 }
 
-/// What the program says when nothing was asked of it.
-ExitStatus withoutCommand(const CLI::App& app, Output& output) {
-    std::string text = "this build has no window";
+/// What the program does when nothing was asked of it: the window beside it takes its place.
+ExitStatus withoutCommand(const CLI::App& app, Output& output, const std::string& programFolder) {
+    std::string text = openWindow(programFolder);
     const char* joined = "; try ";
     for (const char* name : {"demo", "run"}) {
         if (!hasCommand(app, name)) continue;
@@ -65,7 +66,7 @@ ExitStatus runCommandLine(const std::vector<std::string>& arguments, const std::
         describeCommands(app, commands, context);
         // The parser takes the arguments from the back.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-        if (app.get_subcommands().empty()) context.status = withoutCommand(app, output);
+        if (app.get_subcommands().empty()) context.status = withoutCommand(app, output, programFolder);
     } catch (const CLI::Success& asked) {
         output.write(asked.get_name() == "CallForVersion" ? std::string(asked.what()) + "\n" : app.help());
     } catch (const CLI::ParseError& mistake) {

@@ -60,6 +60,9 @@ std::string mistakeText(const CLI::App& app, const CLI::ParseError& mistake) {
     std::string text = mistake.what();
     if (dynamic_cast<const CLI::ExtrasError*>(&mistake) && !left.empty())
         text = unexpected(command, left.front());
+    // "a command is missing" hides that a word stands where it would be
+    if (dynamic_cast<const CLI::RequiredError*>(&mistake) && !left.empty() && !commandNames(command).empty())
+        text = unexpected(command, left.front());
     if (!text.empty() && text.back() == '.') text.pop_back();
     return text + (text.back() == '?' ? " `" : "; `") + wholeName(command) + " --help` tells more";
 }

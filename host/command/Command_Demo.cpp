@@ -8,9 +8,9 @@
 #include "host/command/Commands.hpp"
 #include "host/command/Demo.hpp"
 #include "host/command/DemoScripts.hpp"
-#include "host/command/ServiceOptions.hpp"
 #include "host/command/SettingsChoice.hpp"
 #include "host/kit/MonitorModule.hpp"
+#include "host/setup/ServiceOptions.hpp"
 
 namespace vigil {
 namespace {

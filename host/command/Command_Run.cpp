@@ -14,7 +14,6 @@
 #include "host/command/Commands.hpp"
 #include "host/command/GapReport.hpp"
 #include "host/command/RunChoice.hpp"
-#include "host/command/ServiceOptions.hpp"
 #include "host/command/SettingsChoice.hpp"
 #include "host/command/SiteChoice.hpp"
 #include "host/kit/StandardLog.hpp"
@@ -28,6 +27,7 @@
 #include "host/run/SiteSocket.hpp"
 #include "host/run/StatusJson.hpp"
 #include "host/services/SystemClock.hpp"
+#include "host/setup/ServiceOptions.hpp"
 
 namespace vigil {
 namespace {

@@ -4,10 +4,10 @@
 
 #include <gmock/gmock.h>
 
-#include "host/command/ServiceOptions.hpp"
 #include "host/command/testing/CommandBench.hpp"
 #include "host/services/ScriptRunner.hpp"
 #include "host/services/testing/PlayerBench.hpp"
+#include "host/setup/ServiceOptions.hpp"
 
 namespace vigil {
 namespace {
@@ -32,6 +32,21 @@ TEST_F(TestCommand, saysThatNothingIsSetUpAndWhereToSetIt) {
         EXPECT_EQ(outcome.status, ExitStatus::No) << words[1];
         EXPECT_THAT(outcome.results, AllOf(StartsWith("Nothing was sent: no "), HasSubstr(at("vigil.toml"))));
     }
+}
+
+TEST_F(TestCommand, aWordThatIsNoCommandIsNamedWithTheNearestOne) {
+    const std::vector<std::vector<std::string>> typed{
+        {"test", "spech"}, {"settings", "chek"}, {"site", "creat"}, {"test", "xyzzy"}};
+    const std::vector<std::string> told{"\"vigil test\" has no command \"spech\"; did you mean \"speech\"?",
+                                        "\"vigil settings\" has no command \"chek\"; did you mean \"check\"?",
+                                        "\"vigil site\" has no command \"creat\"; did you mean \"create\"?",
+                                        "\"vigil test\" has no command \"xyzzy\";"};
+    for (std::size_t i = 0; i < typed.size(); ++i) {
+        const CommandOutcome outcome = run(typed[i]);
+        EXPECT_EQ(outcome.status, ExitStatus::BadInput) << told[i];
+        EXPECT_THAT(outcome.errors, HasSubstr(told[i]));
+    }
+    EXPECT_THAT(run({"test"}).errors, HasSubstr("A subcommand is required"));
 }
 
 TEST_F(TestCommand, aMailGoesToTheProgramThatIsSetAndItsEndIsTheAnswer) {

@@ -95,6 +95,9 @@ Diagnosis speechProbe(const DoctorSurroundings& here) {
     const bool isPath = name.find('/') != std::string::npos;
     if (const auto path = programPath(here, name))
         return Diagnosis::well(isPath ? *path : name + " is " + *path);
+    std::error_code unknown;
+    if (isPath && std::filesystem::is_regular_file(here.root + name, unknown))
+        return Diagnosis::finding(name + " may not be executed", "chmod +x " + name);
     return Diagnosis::finding(isPath ? name + " is no program" : "the program " + name + " is not in PATH",
                               remedy);
 }

@@ -26,6 +26,13 @@ std::string nearestThatExists(std::string path) {
     return path;
 }
 
+/// A folder of one's own is given to oneself; the system's are left as they are.
+std::string folderRemedy(const DoctorSurroundings& here, const std::string& nearest) {
+    if (here.settings.site.file.empty() || nearest == here.root + here.siteFolder)
+        return "chown " + nearest.substr(here.root.size()) + " to yourself";
+    return "make " + here.siteFolder + " for yourself, or set another site.file in " + here.settingsFile;
+}
+
 bool isZoneRule(const std::string& zone) {
     // "CET-1CEST", "<+03>-3": a name of three letters or more, or one in angle brackets, and an offset
     std::size_t at = 0;
@@ -52,8 +59,7 @@ Diagnosis siteFolderProbe(const DoctorSurroundings& here) {
             here.siteFolder + " cannot be made, since " + nearest.substr(here.root.size()) + " is no folder",
             "move that file away");
     if (access(nearest.c_str(), W_OK | X_OK) != 0)
-        return Diagnosis::finding(here.siteFolder + " cannot be written",
-                                  "chown " + nearest.substr(here.root.size()) + " to yourself");
+        return Diagnosis::finding(here.siteFolder + " cannot be written", folderRemedy(here, nearest));
     if (nearest != path) return Diagnosis::well(here.siteFolder + " will be made with the first site");
     if (isOpenToOthers(path))
         return Diagnosis::finding("others may write to " + here.siteFolder, "chmod go-w " + here.siteFolder);

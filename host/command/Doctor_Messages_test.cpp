@@ -31,6 +31,15 @@ TEST_F(DoctorMessages, MailNeedsItsProgramOrItsServersPassword) {
     EXPECT_EQ(mailProbe(m_here).state, State::Finding);
     secrets("post = hush\n");
     EXPECT_EQ(mailProbe(m_here).state, State::Well);
+    fs::permissions(m_here.root + "/settings/vigil/secrets", fs::perms::others_read, fs::perm_options::add);
+    EXPECT_THAT(mailProbe(m_here).says, HasSubstr("\"post\" of the login at mail.example.org cannot be had"));
+    EXPECT_THAT(mailProbe(m_here).remedy, HasSubstr("others may read it"));
+    fs::permissions(m_here.root + "/settings/vigil/secrets", fs::perms::others_read,
+                    fs::perm_options::remove);
+    mail.caFile = "/ca.pem";
+    EXPECT_EQ(mailProbe(m_here).says, "mail.ca-file: /ca.pem: No such file or directory");
+    m_folder.write("ca.pem", "");
+    EXPECT_EQ(mailProbe(m_here).state, State::Well);
     mail.security = MailSecurity::None;
     EXPECT_THAT(mailProbe(m_here).says, HasSubstr("needs STARTTLS or TLS"));
 }
@@ -43,6 +52,9 @@ TEST_F(DoctorMessages, AShortMessageNeedsTheProgramThatTakesIt) {
     EXPECT_THAT(smsProbe(m_here).says, HasSubstr("no program gammu-smsd-inject"));
     program("/bin/gammu-smsd-inject");
     EXPECT_EQ(smsProbe(m_here).says, "/bin/gammu-smsd-inject takes it");
+    sms.config = "/etc/smsd";
+    EXPECT_EQ(smsProbe(m_here).says, "sms.config: /etc/smsd: No such file or directory");
+    sms.config.clear();
     sms.program = "inject";
     EXPECT_THAT(smsProbe(m_here).says, HasSubstr("no program inject"));
     sms = {.method = SmsMethod::Mmcli};

@@ -62,6 +62,9 @@ TEST_F(DoctorProbes, SpeechNeedsItsProgramInThePath) {
     expect(speechProbe(m_here), State::Finding, "speaker is not in PATH");
     m_here.settings.speech.program = "/third/speaker";
     expect(speechProbe(m_here), State::Finding, "/third/speaker is no program");
+    file("/third/speaker", fs::perms::owner_read);
+    expect(speechProbe(m_here), State::Finding, "/third/speaker may not be executed");
+    EXPECT_EQ(speechProbe(m_here).remedy, "chmod +x /third/speaker");
     program("/third/speaker");
     expect(speechProbe(m_here), State::Well, "/third/speaker");
 }
@@ -83,6 +86,15 @@ TEST_F(DoctorProbes, SettingsAreRightClosedToOthersOrNotThere) {
     fs::permissions(path, fs::perms::owner_read | fs::perms::group_write);
     expect(settingsProbe(m_here), State::Finding, "others may write to /settings/vigil/vigil.toml");
     EXPECT_EQ(settingsProbe(m_here).remedy, "chmod go-w /settings/vigil/vigil.toml");
+    fs::permissions(path, fs::perms::owner_read);
+    fs::permissions(m_here.root + "/settings/vigil", fs::perms::owner_all | fs::perms::group_write);
+    expect(settingsProbe(m_here), State::Finding, "others may write to /settings/vigil");
+    EXPECT_EQ(settingsProbe(m_here).remedy, "chmod go-w /settings/vigil");
+    fs::permissions(m_here.root + "/settings/vigil", fs::perms::owner_all);
+    if (::geteuid() == 0) {
+        ASSERT_EQ(::chown(path.c_str(), 65534, 65534), 0);
+        expect(settingsProbe(m_here), State::Finding, "vigil.toml belongs to another user");
+    }
     m_here.settingsFile = "/settings";
     expect(settingsProbe(m_here), State::Finding, "/settings is no file");
 }
@@ -168,6 +180,9 @@ TEST_F(DoctorProbes, TheInstallationHasItsModuleItsHelperAndAShell) {
     file("/bin/vigil-helper");
     expect(helperProbe(m_here), State::Finding, "no script can run");
     program("/bin/vigil-helper");
+    expect(helperProbe(m_here), State::Finding, "no program");
+    EXPECT_THAT(helperProbe(m_here).says, HasSubstr("vigil-helper-media, so nothing can be heard"));
+    program("/bin/vigil-helper-media");
     expect(helperProbe(m_here), State::Well, "/bin/vigil-helper");
     expect(shellProbe(m_here), State::Finding, "/bin/sh is missing");
     program("/bin/sh");

@@ -48,9 +48,16 @@ Diagnosis moduleProbe(const DoctorSurroundings& here) {
 Diagnosis helperProbe(const DoctorSurroundings& here) {
     if (here.programFolder.empty()) return withoutFolder();
     const std::string path = helperPath(here.programFolder);
-    if (isProgram(path)) return Diagnosis::well(path);
-    return Diagnosis::finding(
-        "there is no program " + path + ", so no script can run and nothing can be heard", kInstallAgain);
+    if (!isProgram(path))
+        return Diagnosis::finding(
+            "there is no program " + path + ", so no script can run and nothing can be heard", kInstallAgain);
+    // what it becomes for the work that needs large libraries
+    const std::string media = std::filesystem::path(path).parent_path() / "vigil-helper-media";
+    if (!isProgram(media))
+        return Diagnosis::finding(
+            "there is no program " + media + ", so nothing can be heard and no mail can be sent",
+            kInstallAgain);
+    return Diagnosis::well(path);
 }
 
 Diagnosis shellProbe(const DoctorSurroundings& here) {

@@ -1,7 +1,7 @@
 #include "host/command/MonitorTest.hpp"
 
-#include "host/command/ServiceOptions.hpp"
 #include "host/command/SettingsChoice.hpp"
+#include "host/setup/ServiceOptions.hpp"
 
 namespace vigil {
 

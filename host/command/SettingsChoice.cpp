@@ -2,9 +2,6 @@
 
 #include <utility>
 
-#include "host/kit/LiveWorld.hpp"
-#include "host/site/SiteFile.hpp"
-
 namespace vigil {
 
 std::optional<Settings> settingsOf(CommandContext& context) {
@@ -26,13 +23,6 @@ Settings settingsOrDefaults() {
     auto reading = readSettings(defaultSettingsFile());
     const bool isRight = reading && reading.value().problems.empty();
     return isRight ? std::move(reading).value().settings : Settings();
-}
-
-Settings effective(Settings settings) {
-    if (settings.site.file.empty()) settings.site.file = SiteFile::defaultFile();
-    if (settings.run.scripts.empty()) settings.run.scripts = defaultScriptsFolder();
-    settings.mail.port = mailPort(settings.mail);
-    return settings;
 }
 
 }  // namespace vigil

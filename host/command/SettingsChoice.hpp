@@ -5,6 +5,7 @@
 
 #include "host/command/CommandContext.hpp"
 #include "host/settings/SettingsFile.hpp"
+#include "host/setup/EffectiveSettings.hpp"
 
 namespace vigil {
 
@@ -14,8 +15,5 @@ std::optional<Settings> settingsOf(CommandContext& context);
 
 /// The same, all defaults where something is wrong, and nothing told: for what only gives advice.
 Settings settingsOrDefaults();
-
-/// The settings with what they leave to the machine: the user's own site and scripts, the usual port.
-Settings effective(Settings settings);
 
 }  // namespace vigil

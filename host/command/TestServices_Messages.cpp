@@ -5,12 +5,13 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include "host/command/ServiceOptions.hpp"
 #include "host/command/TestServices.hpp"
 #include "host/services/SystemClock.hpp"
 #include "host/services/automation/Delivery.hpp"
 #include "host/settings/SettingsFile.hpp"
 #include "host/settings/SettingsTable.hpp"
+#include "host/setup/ServiceOptions.hpp"
+#include "host/words/Addresses.hpp"
 
 // Mail and short messages.
 
@@ -44,7 +45,10 @@ std::string smsWay(const Settings& settings) {
 }
 
 std::string answerOf(const DeliveryResult& result) {
-    const std::string number = result.response == 0 ? std::string() : std::to_string(result.response);
+    // Where something else went wrong, an earlier reply, which may have been a good one, explains nothing.
+    const bool explains = result.response >= 400 || result.outcome == DeliveryResult::Accepted;
+    const std::string number =
+        result.response == 0 || !explains ? std::string() : std::to_string(result.response);
     const bool told = result.words.find(number) != std::string::npos;
     return told ? result.words : number + " " + result.words;
 }

@@ -5,8 +5,8 @@
 
 #include <fmt/format.h>
 
-#include "host/command/ServiceOptions.hpp"
 #include "host/command/TestServices.hpp"
+#include "host/setup/ServiceOptions.hpp"
 
 // Sounds and speech.
 

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "host/kit/LiveSound.hpp"
 #include "host/kit/UnavailableServices.hpp"
@@ -33,6 +34,8 @@ class LiveWorld : public HostWorld {
     MainQueue& mainQueue() override { return m_mailbox; }
     /// What its main thread serves.
     Mailbox& mailbox() { return m_mailbox; }
+    /// Lets the nested loop of the main thread turn what else turns there. Main thread.
+    void setMainTurn(MainRunLoop::Turn turn) { m_mainLoop.setTurn(std::move(turn)); }
     NotificationCenter& notificationCenter() override { return m_center; }
     Files& files() override { return m_files; }
     const Collation& collation() override { return m_collation; }

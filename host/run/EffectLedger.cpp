@@ -21,6 +21,15 @@ const char* effectKindName(EffectRecord::Kind kind) {
     return "";
 }
 
+namespace {
+
+/// What stands behind it may be a whole text that was not sent: that is for the ledger alone.
+std::string firstLine(const std::string& detail) {
+    return detail.substr(0, detail.find('\n'));
+}
+
+}  // namespace
+
 EffectLedger::EffectLedger(FireDesk& desk, SiteWriter& writer, QRVLog& log, std::function<Date()> clock)
     : m_desk(desk), m_writer(writer), m_log(log), m_clock(std::move(clock)) {}
 
@@ -54,10 +63,11 @@ void EffectLedger::started(EffectRecord& record, Date when) {
     m_writer.putEffect(record, {});
 }
 
-void EffectLedger::started(EffectRecord& record, Date when, std::function<void()> go) {
+void EffectLedger::started(EffectRecord& record, Date when, std::function<void(bool)> go) {
     record.state = EffectRecord::Started;
     record.started = when;
-    m_writer.putEffect(record, [go = std::move(go)](const Result<Done>&) { go(); });
+    m_writer.putEffect(record,
+                       [go = std::move(go)](const Result<Done>& done) { go(static_cast<bool>(done)); });
 }
 
 EffectRecord EffectLedger::another(const EffectRecord& last) {
@@ -83,7 +93,7 @@ void EffectLedger::ended(EffectRecord record, Date when, std::string result, std
     if (failed)
         m_log.logLevel(kLogProblem, "\"" + record.title + "\": the " + effectKindName(record.kind) + " \"" +
                                         record.what + "\" " + record.result +
-                                        (record.detail.empty() ? "" : ": " + record.detail));
+                                        (record.detail.empty() ? "" : ": " + firstLine(record.detail)));
     m_writer.putEffect(record, {});
     const std::lock_guard lock(m_mutex);
     ++m_counts[{effectKindName(record.kind), record.result}];

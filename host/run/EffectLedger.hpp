@@ -31,11 +31,13 @@ class EffectLedger {
     /// Writes the record and calls `release` once, on the writer's thread. Any thread.
     void queued(const EffectRecord& record, std::function<void()> release);
     void started(EffectRecord& record, Date when);
-    /// The same for what must not begin before that is written down: `go` is called as `release` is.
-    void started(EffectRecord& record, Date when, std::function<void()> go);
+    /// The same for what must not begin before that is written down: `go` is called as `release` is, and told
+    /// whether it is.
+    void started(EffectRecord& record, Date when, std::function<void(bool written)> go);
     /// A record for the next attempt at what that one stands for. Any thread.
     EffectRecord another(const EffectRecord& last);
-    /// `failed` makes it count among the failures and puts a line into the log.
+    /// `failed` makes it count among the failures and puts a line into the log, with the
+    /// first line of `detail`.
     void ended(EffectRecord record, Date when, std::string result, std::string detail, bool failed);
 
     Date now() const { return m_clock(); }

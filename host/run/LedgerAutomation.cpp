@@ -74,7 +74,7 @@ class LedgerPosting : public Posting {
         due = again;
     }
 
-    void begin(Date now, std::function<void()> go) override {
+    void begin(Date now, std::function<void(bool)> go) override {
         if (attempt > m_record.attempt) m_record = m_ledger.another(m_record);
         m_ledger.started(m_record, now, std::move(go));
     }
@@ -138,10 +138,18 @@ void LedgerAutomation::resume(const std::vector<DeferredEffect>& deferred) {
                            /*failed=*/true);
             continue;
         }
+        const Date now = m_ledger.now();
+        if (now.secondsSince(effect.first) > options.retry.giveUpSeconds) {
+            m_ledger.ended(m_ledger.another(effect.last), now, "failed",
+                           "given up: it was asked for at " + effect.first.isoText() +
+                               ", and the time for another attempt is over",
+                           /*failed=*/true);
+            continue;
+        }
         const auto lane = isSms ? Courier::Sms : Courier::Mail;
         const auto posting =
             std::make_shared<LedgerPosting>(m_ledger, effect.last, read.value(), effect.first);
-        posting->continues(effect.last.again.value_or(m_ledger.now()));
+        posting->continues(effect.last.again.value_or(now));
         m_courier->reserveAnyway(lane);
         m_courier->submit(lane, posting);
     }

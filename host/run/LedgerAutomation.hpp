@@ -25,7 +25,7 @@ class LedgerAutomation : public AutomationScripts {
     /// effect and no record.
     Result<Done> run(const std::string& source) override;
 
-    /// Goes on with what an earlier run could not deliver.
+    /// Goes on with what an earlier run could not deliver, and gives up what was asked for too long ago.
     void resume(const std::vector<DeferredEffect>& deferred);
 
     /// Gives up what is under way. What has not begun is deferred, for the next run. Waits about a second.

@@ -76,6 +76,9 @@ TEST_F(AutomationLedger, WhereNothingIsSetUpTheWholeTextStandsInTheLedgerAndNoth
     ASSERT_FALSE(mail);
     EXPECT_EQ(mail.error().message, "no mail is set up");
     EXPECT_EQ(m_automation->run(smsText("Roof", "45")).error().message, "no short messages are set up");
+    for (const RecordingLog::Line& line : m_log.lines())
+        EXPECT_THAT(line.message, testing::Not(HasSubstr("tell application")));
+    EXPECT_EQ(m_log.lines().size(), 2u);
     const auto effects = close();
     ASSERT_EQ(effects.size(), 2u);
     EXPECT_EQ(effects[0].kind, EffectRecord::Mail);
@@ -178,6 +181,24 @@ TEST_F(AutomationLedger, OneThatHadBegunIsNeverTriedAgainAlsoNotAfterARestart) {
     ASSERT_EQ(effects.size(), 1u);
     EXPECT_EQ(effects[0].result, "interrupted");
     EXPECT_THAT(effects[0].detail, HasSubstr("may have been sent"));
+    EXPECT_EQ(calls(), 0u);
+}
+
+TEST_F(AutomationLedger, OneOfLastWeekIsGivenUpAtAStart) {
+    open(command(0));
+    const Date then = systemNow().plus(-7 * 86400.0);
+    EffectRecord old = m_ledger->make(EffectRecord::Sms, "to 45", nullptr);
+    old.handOver = smsText("Roof", "45");
+    old.queued = then;
+    old.again = then.plus(60);
+    m_ledger->ended(old, then, "deferred", "later", /*failed=*/true);
+    close();
+    open(command(0));
+    EXPECT_TRUE(isIdle(Courier::Sms));
+    const auto effects = close();
+    ASSERT_EQ(effects.size(), 2u);
+    EXPECT_EQ(effects[1].result, "failed");
+    EXPECT_THAT(effects[1].detail, testing::StartsWith("given up: it was asked for at "));
     EXPECT_EQ(calls(), 0u);
 }
 

@@ -58,7 +58,9 @@ RunningSite::RunningSite(SiteFile& site, QRVLog& log, Options options)
                 [this](const std::string& source) { return m_world.notedFiles().nameOf(source); }),
       m_pool(m_options.threads),
       m_feeds({.clock = systemNow, .folder = folderOf(site.path()), .secret = m_options.secret}),
-      m_since(systemNow()) {}
+      m_since(systemNow()) {
+    if (m_options.turn) m_world.setMainTurn(m_options.turn);
+}
 
 Result<std::unique_ptr<RunningSite>> RunningSite::make(SiteFile& site, QRVLog& log, Options options) {
     if (auto loaded = loadMonitorModule(options.programFolder); !loaded) return loaded.error();
@@ -147,11 +149,12 @@ std::shared_ptr<Station> RunningSite::stationOf(RecordId id) const {
     return found == m_stations.end() ? nullptr : found->second->station();
 }
 
-void RunningSite::addPlugIn(PlugInRecord record) {
+void RunningSite::addPlugIn(PlugInRecord record, std::shared_ptr<QRVPlugIn> made) {
     Entry entry{.notes = std::make_shared<CycleNotes>(m_cycleTimes), .saved = Clock::now()};
     const auto station = stationOf(record.station);
-    auto plugIn = station ? monitorFromArchive(record.archive, station)
-                          : Result<std::shared_ptr<QRVPlugIn>>(Error{"its station is not there"});
+    auto plugIn = made      ? Result<std::shared_ptr<QRVPlugIn>>(std::move(made))
+                  : station ? monitorFromArchive(record.archive, station)
+                            : Result<std::shared_ptr<QRVPlugIn>>(Error{"its station is not there"});
     if (!plugIn) {
         entry.trouble = plugIn.error().message;
         m_log.logLevel(kLogProblem, "\"" + record.title + "\" cannot be restored: " + entry.trouble);

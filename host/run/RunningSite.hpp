@@ -43,6 +43,15 @@ class RunningSite {
         std::function<std::uint64_t()> lostLogLines{};
         /// The secret of that name for feeds, and for the mail server.
         std::function<std::optional<std::string>(const std::string&)> secret{};
+        /// Turns the main thread's event loop inside a wait; absent where it only serves the mailbox.
+        MainRunLoop::Turn turn{};
+    };
+    /// What a site's file holds, as somebody has read it.
+    struct Rows {
+        std::vector<StationRecord> stations{};
+        std::vector<PlugInRecord> plugIns{};
+        /// Plug-ins that stand for rows from now on, instead of objects made from the rows' archives.
+        std::map<RecordId, std::shared_ptr<QRVPlugIn>> made{};
     };
 
     /// The site is open for writing. It and the log outlive this. An error where the module cannot be loaded
@@ -61,6 +70,8 @@ class RunningSite {
     /// Takes over what somebody changed in the site file: what is new or in another form begins, what is gone
     /// ends, all else goes on. At rest.
     void reload();
+    /// The same with rows that were read already. At rest.
+    void reload(Rows rows);
     /// Begins to end: no fire and no effect begins any more, and every speech ends, so that the main thread
     /// comes to rest soon, whatever it waits for. `serveUntil` then returns. Any thread.
     void beginStop();
@@ -74,6 +85,32 @@ class RunningSite {
     std::vector<PlugInRecord> activePlugIns() const;
 
     Mailbox& mailbox() { return m_world.mailbox(); }
+    SiteWorld& world() { return m_world; }
+    InterfaceFile& interfaceFiles() { return m_interfaceFiles; }
+    ScriptSink& scripts() { return m_scripts; }
+    const std::string& path() const { return m_site.path(); }
+
+    // What people see and change of a site while it runs.
+
+    /// The plug-in of that id; nothing where it is not here or could not be restored.
+    HostedPlugIn* plugIn(RecordId id);
+    std::vector<StationRecord> stations() const;
+    /// Of a station, in their order; without their archives.
+    std::vector<PlugInRecord> plugIns(RecordId station) const;
+    /// Nothing where it is not here.
+    std::shared_ptr<Station> stationOf(RecordId id) const;
+    std::optional<RunningStation::Counts> counts(RecordId station) const;
+    /// Turns the switch, and saves. The error is what stood in the way, for people.
+    Result<Done> setEvaluating(RecordId plugIn, bool on);
+    /// Somebody has changed the object: it is saved, and the history knows by what it judges from now on.
+    void edited(RecordId plugIn);
+    /// A title of its own. An error where it is empty or taken.
+    Result<Done> setTitle(RecordId plugIn, const std::string& title);
+    /// Its archive as it is now.
+    Result<std::string> archiveText(RecordId plugIn);
+    /// "Vigil", "Vigil 2", …: the first that is free.
+    std::string unusedTitle(const std::string& first) const;
+
     SiteStatus status();
     /// "3 stations, 5 monitors, 4 of them active"
     std::string startText();
@@ -106,8 +143,7 @@ class RunningSite {
     Result<Done> restore();
     void rememberLast();
     void addStation(const StationRecord& record);
-    void addPlugIn(PlugInRecord record);
-    std::shared_ptr<Station> stationOf(RecordId id) const;
+    void addPlugIn(PlugInRecord record, std::shared_ptr<QRVPlugIn> made = nullptr);
     void startPlugIn(Entry& entry, WatchReason reason);
     void startFeed(RecordId station);
     void waitForUnfinished(const Interrupted& interrupted);

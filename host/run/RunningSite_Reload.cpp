@@ -42,19 +42,24 @@ void RunningSite::reload() {
                                         (stations ? plugIns.error() : stations.error()).message);
         return;
     }
-    Changes changes = removeChanged(stations.value(), plugIns.value());
+    reload({.stations = std::move(stations).value(), .plugIns = std::move(plugIns).value()});
+}
+
+void RunningSite::reload(Rows rows) {
+    Changes changes = removeChanged(rows.stations, rows.plugIns);
     std::size_t added = 0;
-    for (const StationRecord& record : stations.value()) {
+    for (const StationRecord& record : rows.stations) {
         if (m_stations.contains(record.id)) continue;
         addStation(record);
         startFeed(record.id);
         ++added;
     }
-    for (PlugInRecord& record : plugIns.value()) {
+    for (PlugInRecord& record : rows.plugIns) {
         if (entryOf(record.id)) continue;
         auto asItIs = changes.archives.extract(record.id);
         if (asItIs) record.archive = std::move(asItIs.mapped());
-        addPlugIn(std::move(record));
+        auto made = rows.made.extract(record.id);
+        addPlugIn(std::move(record), made ? std::move(made.mapped()) : nullptr);
         Entry& entry = m_entries.back();
         if (asItIs) entry.savedHash = 0;  // the file holds an older one
         const auto before = changes.waits.find(entry.record.id);

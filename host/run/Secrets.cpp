@@ -32,6 +32,8 @@ Result<std::optional<std::string>> Secrets::named(const std::string& name) const
     if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
         return Error{m_file + ": others may read it; `chmod 600 " + m_file + "` mends that"};
     std::ifstream file(m_file);
+    if (!file)
+        return Error{m_file + ": " + std::strerror(errno) + "; `chown` it to the user that runs Vigil"};
     std::string line;
     for (int number = 1; std::getline(file, line); ++number) {
         line = trimmed(line);

@@ -16,8 +16,8 @@ class Secrets {
 
     explicit Secrets(std::string file) : m_file(std::move(file)) {}
 
-    /// Nothing when there is no such name. An error names the file and what to do: it is not there, others
-    /// may read it, a line has no "=".
+    /// Nothing when there is no such name. An error names the file and what to do: it is not there, it
+    /// may not be read, others may read it, a line has no "=".
     Result<std::optional<std::string>> named(const std::string& name) const;
 
   private:

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/support/TemporaryFolder.hpp"
 
@@ -40,6 +41,13 @@ TEST_F(SecretsFile, ALineWithoutAnEqualsSignIsAnErrorWithItsPlaceAndWithoutItsTe
     ASSERT_FALSE(secret);
     EXPECT_THAT(secret.error().message, HasSubstr("secrets:2: "));
     EXPECT_THAT(secret.error().message, testing::Not(HasSubstr("hunter2")));
+}
+
+TEST_F(SecretsFile, OneThatMayNotBeReadIsNoFileWithoutTheName) {
+    if (::geteuid() == 0) GTEST_SKIP() << "root may read everything";
+    const auto secret = write("broker = x\n", 0200).named("broker");
+    ASSERT_FALSE(secret);
+    EXPECT_THAT(secret.error().message, HasSubstr("Permission denied"));
 }
 
 TEST_F(SecretsFile, OneThatIsNotThereSaysWhatToWrite) {

@@ -89,6 +89,19 @@ TEST(StrandPool, OneThatIsResumedBeforeItsStepHasEndedDoesNotWait) {
     strand.reset();
 }
 
+TEST(StrandPool, OneThatIsWokenDuringItsLastStepStepsOnceMore) {
+    StrandPool pool(1);
+    std::shared_ptr<Counted> strand;
+    strand = std::make_shared<Counted>([&](int step) {
+        if (step == 1) pool.wake(strand);
+        return Counted::Step::Idle;
+    });
+    pool.wake(strand);
+    waitFor([&] { return strand->steps == 2; });
+    pool.stop();
+    strand.reset();
+}
+
 TEST(StrandPool, AThreadThatIsAwayLeavesItsPlaceToAnother) {
     StrandPool pool(1);
     std::promise<void> over;

@@ -2,6 +2,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <mutex>
+#include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -50,10 +52,37 @@ std::string endingText(const siginfo_t& info) {
     return "was ended by signal " + std::to_string(info.si_status);
 }
 
+/// Those that were killed and have not ended.
+class Dying {
+  public:
+    void add(UniqueFd process) {
+        const std::lock_guard lock(m_mutex);
+        m_processes.push_back(std::move(process));
+    }
+    void reap() {
+        const std::lock_guard lock(m_mutex);
+        std::erase_if(m_processes, [](const UniqueFd& process) {
+            siginfo_t info{};
+            return ::waitid(P_PIDFD, static_cast<id_t>(process.get()), &info, WEXITED | WNOHANG) != 0 ||
+                   info.si_pid != 0;
+        });
+    }
+
+  private:
+    std::mutex m_mutex;
+    std::vector<UniqueFd> m_processes;
+};
+
+Dying& dying() {
+    static Dying all;
+    return all;
+}
+
 }  // namespace
 
 Result<HelperProcess> HelperProcess::start(const std::string& path, const char* command,
                                            std::string message) {
+    reap();
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
         return failure("no socket for the helper", errno);
@@ -81,9 +110,13 @@ HelperProcess::HelperProcess(pid_t number, UniqueFd process, UniqueFd socket, st
 HelperProcess::~HelperProcess() {
     if (!m_process || ending()) return;
     kill();
-    siginfo_t info{};
-    while (::waitid(P_PIDFD, static_cast<id_t>(m_process.get()), &info, WEXITED) != 0 && errno == EINTR) {
-    }
+    pollfd ended{m_process.get(), POLLIN, 0};
+    ::poll(&ended, 1, static_cast<int>(kDyingTime.count()));
+    if (!ending()) dying().add(std::move(m_process));
+}
+
+void HelperProcess::reap() {
+    dying().reap();
 }
 
 short HelperProcess::socketEvents() const {
@@ -128,6 +161,7 @@ std::optional<std::string> HelperProcess::ending() {
     const auto process = static_cast<id_t>(m_process.get());
     if (::waitid(P_PIDFD, process, &info, WEXITED | WNOHANG) == 0) {
         if (info.si_pid != 0) m_ending = endingText(info);
+        if (info.si_pid != 0 && info.si_code != CLD_EXITED) m_signal = info.si_status;
     } else if (errno == ECHILD) {
         m_ending = "ended";  // somebody else in the process has waited for all children, or nobody may
     }

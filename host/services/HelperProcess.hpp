@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,7 +13,8 @@
 
 namespace vigil {
 
-/// A running `vigil-helper`: its process and the socket to it. Nothing here waits. For one thread at a time.
+/// A running `vigil-helper`: its process and the socket to it. Nothing here waits but the end of one that
+/// still runs. For one thread at a time.
 class HelperProcess {
   public:
     /// Starts `path` with the sub-command and queues its first message, which is sent as the helper takes it.
@@ -21,7 +23,8 @@ class HelperProcess {
 
     HelperProcess(HelperProcess&&) noexcept = default;
     HelperProcess& operator=(HelperProcess&&) noexcept = default;
-    /// A helper that still runs is killed and waited for.
+    /// A helper that still runs is killed and waited for, for at most `kDyingTime`. One that does not even
+    /// end then (it waits for a disk that does not answer) is taken away by a later `reap`.
     ~HelperProcess();
 
     /// For poll: -1 once there is nothing more to expect of it.
@@ -47,6 +50,11 @@ class HelperProcess {
     /// Once the helper has ended: how, in words ("was ended by signal 9", "ended with exit status 3").
     /// Nothing as long as it runs.
     std::optional<std::string> ending();
+    /// The signal that ended it; 0 as long as it runs and where none did.
+    int signal() const { return m_signal; }
+
+    /// Takes away those that have ended at last. Every start does so as well. Any thread.
+    static void reap();
 
   private:
     HelperProcess(pid_t number, UniqueFd process, UniqueFd socket, std::string message);
@@ -58,6 +66,10 @@ class HelperProcess {
     std::size_t m_sent = 0;
     WireBuffer m_in;
     std::optional<std::string> m_ending;
+    int m_signal = 0;
 };
+
+/// How long one that was killed is waited for.
+inline constexpr std::chrono::milliseconds kDyingTime{1000};
 
 }  // namespace vigil

@@ -20,7 +20,11 @@ Mailbox::Deadline deadlineFor(Date date, Date now) {
 MainRunLoop::MainRunLoop(Mailbox& mailbox, Clock clock) : m_mailbox(mailbox), m_clock(std::move(clock)) {}
 
 void MainRunLoop::runUntil(Date date) {
-    m_mailbox.serveOneNested(deadlineFor(date, m_clock()));
+    const auto deadline = deadlineFor(date, m_clock());
+    if (m_turn)
+        m_turn(deadline);
+    else
+        m_mailbox.serveOneNested(deadline);
 }
 
 SleepingRunLoop::SleepingRunLoop(MainRunLoop::Clock clock) : m_clock(std::move(clock)) {}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <utility>
 
 #include "host/services/Mailbox.hpp"
 #include "platform/MainQueue.hpp"
@@ -12,12 +13,18 @@ namespace vigil {
 class MainRunLoop : public RunLoop {
   public:
     using Clock = std::function<Date()>;
+    /// Serves at most one task of the mailbox (`Mailbox::serveOneNested`) and whatever else its thread has to
+    /// do, or waits until the deadline.
+    using Turn = std::function<void(Mailbox::Deadline)>;
     MainRunLoop(Mailbox& mailbox, Clock clock);
     void runUntil(Date date) override;
+    /// For a main thread that also serves a window's events.
+    void setTurn(Turn turn) { m_turn = std::move(turn); }
 
   private:
     Mailbox& m_mailbox;
     Clock m_clock;
+    Turn m_turn;
 };
 
 /// The loop of any other thread, at which nothing arrives: it waits until the date. Any thread but the main

@@ -1,6 +1,7 @@
 #include "host/services/Player.hpp"
 
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include <sys/eventfd.h>
@@ -23,6 +24,16 @@ void Player::State::wake() {
     [[maybe_unused]] const ssize_t written = ::write(wakeUp.get(), &one, sizeof one);
 }
 
+/// With the mutex held. Why there is no thread for the requests; nothing where there is one.
+std::optional<PlayEnd> Player::State::startThread() {
+    try {
+        if (!thread.joinable()) thread = std::thread([this] { loop(); });
+        return std::nullopt;
+    } catch (const std::system_error& failure) {
+        return PlayEnd{PlayOutcome::Failed, std::string("no thread for the player: ") + failure.what()};
+    }
+}
+
 Player::Id Player::State::submit(PlayerMessage::Kind kind, const std::string& text, Callbacks callbacks,
                                  bool held) {
     std::optional<PlayEnd> refused;
@@ -36,7 +47,9 @@ Player::Id Player::State::submit(PlayerMessage::Kind kind, const std::string& te
             refused = {PlayOutcome::Failed,
                        std::to_string(unended) + " sounds and speeches are under way already"};
         } else {
-            if (!thread.joinable()) thread = std::thread([this] { loop(); });
+            refused = startThread();
+        }
+        if (!refused) {
             ++unended;
             incoming.push_back({.message = {kind, id, 0, text},
                                 .callbacks = std::move(callbacks),

@@ -46,8 +46,8 @@ std::optional<PlayerMessage> decodePlayerMessage(std::string_view message) {
     made.id = reader.longNumber();
     made.number = reader.number();
     made.text = reader.text();
-    if (!reader.complete() || (made.kind == PlayerMessage::Ended && made.number >= kPlayOutcomes))
-        return std::nullopt;
+    const bool tellsOutcome = made.kind == PlayerMessage::Ended || made.kind == PlayerMessage::Verdict;
+    if (!reader.complete() || (tellsOutcome && made.number >= kPlayOutcomes)) return std::nullopt;
     return made;
 }
 

@@ -12,6 +12,8 @@ namespace vigil {
 inline constexpr std::uint64_t kSoundFileSize = 8 << 20;  ///< bytes of a file; a larger one is not played
 inline constexpr std::uint32_t kSoundSeconds = 120;       ///< of a sound; a longer one is not played
 inline constexpr int kSoundsAtOnce = 32;                  ///< that are heard beside each other
+/// Of all sounds that are heard beside each other, each with its whole length: they are kept in memory.
+inline constexpr std::uint32_t kSoundSecondsAtOnce = 1500;
 
 /// Which device and which voice: the first message to `vigil-helper player`, kind `O`.
 struct PlayerSetup {
@@ -27,14 +29,14 @@ struct PlayerSetup {
 /// is 0 or empty.
 struct PlayerMessage {
     enum Kind : char {
-        // to the player; it takes them one after another
+        // to the player; it takes files one after another, and everything else ahead of them
         Check = 'C',  ///< `text` is a file: can it be decoded? Answered by a verdict
         Play = 'P',   ///< `text` is a file
         Speak = 'S',  ///< `text` is to be spoken; not before the speech before has ended
         Stop = 'X',   ///< the sound or speech `id`
         Ping = 'Q',   ///< answered by a pong with the same number
         // from the player
-        Verdict = 'V',  ///< `text` says why the file cannot be decoded; empty: it can
+        Verdict = 'V',  ///< `number` is a PlayOutcome, `text` its detail; finished: it can be decoded
         Began = 'B',    ///< `number` is its length in milliseconds
         Ended = 'E',    ///< `number` is a PlayOutcome, `text` its detail. The last word about `id`
         Pong = 'A',
@@ -46,7 +48,7 @@ struct PlayerMessage {
 };
 
 /// Both sides are of one build; a helper that was replaced under a running host refuses its setup.
-inline constexpr std::uint32_t kPlayerWireVersion = 1;
+inline constexpr std::uint32_t kPlayerWireVersion = 2;
 
 std::string encodePlayerSetup(const PlayerSetup& setup);
 std::string encodePlayerMessage(const PlayerMessage& message);

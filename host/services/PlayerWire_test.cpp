@@ -45,8 +45,8 @@ TEST(PlayerWire, WhatIsCutLongerOrOfAnotherKindIsNoMessage) {
         EXPECT_FALSE(decodePlayerMessage(whole.substr(0, size))) << size;
     EXPECT_FALSE(decodePlayerMessage(whole + "x"));
     EXPECT_FALSE(decodePlayerMessage("Z" + whole.substr(1)));
-    EXPECT_FALSE(decodePlayerMessage(
-        withoutLength(encodePlayerMessage({PlayerMessage::Ended, 1, kPlayOutcomes, ""}))));
+    for (const auto kind : {PlayerMessage::Ended, PlayerMessage::Verdict})
+        EXPECT_FALSE(decodePlayerMessage(withoutLength(encodePlayerMessage({kind, 1, kPlayOutcomes, ""}))));
     const std::string setup(withoutLength(encodePlayerSetup({})));
     EXPECT_FALSE(decodePlayerSetup(setup.substr(0, setup.size() - 1)));
     EXPECT_FALSE(decodePlayerSetup("O\x7f" + setup.substr(2))) << "another version";

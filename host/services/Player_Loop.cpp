@@ -92,7 +92,7 @@ bool Player::State::startProcess() {
     return true;
 }
 
-// Commands are taken one after another, so a ping behind one shows that it was taken.
+// The player answers between two files, however many wait, so that silence means that it hangs.
 void Player::State::ping() {
     process->send(encodePlayerMessage({PlayerMessage::Ping, 0, ++pings, {}}));
     pinged = lastPing = Steady::now();
@@ -148,6 +148,7 @@ void Player::State::take(const PlayerMessage& message) {
     }
     const auto request = withId(message.id);
     if (request == requests.end()) return;  // it was stopped meanwhile
+    if (!request->began && request->message.kind != PlayerMessage::Speak) letOthersWait();
     switch (message.kind) {
         case PlayerMessage::Began:
             request->began = true;
@@ -157,10 +158,19 @@ void Player::State::take(const PlayerMessage& message) {
         case PlayerMessage::Ended:
             return finish(request, {static_cast<PlayOutcome>(message.number), message.text});
         case PlayerMessage::Verdict:
-            return finish(request,
-                          message.text.empty() ? PlayEnd{} : PlayEnd{PlayOutcome::NotPlayable, message.text});
+            return finish(request, {static_cast<PlayOutcome>(message.number), message.text});
         default:
             return;
+    }
+}
+
+// Files are decoded one after another, so the time of the next ones begins when one is done.
+void Player::State::letOthersWait() {
+    const auto now = Steady::now();
+    for (Request& request : requests) {
+        if (!request.sent || request.began || request.message.kind != PlayerMessage::Play) continue;
+        request.turn = now;
+        request.deadline = now + options.timing.slack;
     }
 }
 

@@ -40,6 +40,7 @@ struct Player::State {
 
     // Any thread.
     Id submit(PlayerMessage::Kind kind, const std::string& text, Callbacks callbacks, bool held);
+    std::optional<PlayEnd> startThread();
     void order(Order given);
     void wake();
     void stop();
@@ -54,9 +55,12 @@ struct Player::State {
     void wait();
     void serve();
     void take(const PlayerMessage& message);
+    void letOthersWait();
     void watch();
+    void endLate();
+    void letGo();
     void endProcess(const std::string& because, PlayOutcome outcome, Id culprit);
-    void processEnded(const std::string& how);
+    void processEnded(std::string how);
     void endIdle();
     void endAll();
     Requests::iterator withId(Id id);

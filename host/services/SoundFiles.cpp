@@ -29,7 +29,7 @@ struct SoundFiles::Stamp {
     dev_t device = 0;
     ino_t number = 0;
     off_t size = 0;
-    timespec time{};
+    timespec time{};  // of the last change of any kind, its mode included
     bool operator==(const Stamp& other) const {
         return device == other.device && number == other.number && size == other.size &&
                time.tv_sec == other.time.tv_sec && time.tv_nsec == other.time.tv_nsec;
@@ -41,6 +41,7 @@ struct SoundFiles::Shared {
     struct Known {
         Stamp stamp{};
         bool hasVerdict = false;
+        bool isPassing = false;  // the verdict is none about the file, and holds for who waits for it
         bool waitedFor = false;  // in vain, so that nobody does again
         std::optional<std::string> refusal{};
     };
@@ -58,14 +59,11 @@ void SoundFiles::ask(const std::string& path, const Stamp& stamp) {
                        const std::lock_guard lock(shared->mutex);
                        const auto found = shared->files.find(path);
                        if (found == shared->files.end() || !(found->second.stamp == stamp)) return;
-                       if (end.outcome == PlayOutcome::Finished) {
-                           found->second.hasVerdict = true;
-                       } else if (end.outcome == PlayOutcome::NotPlayable) {
-                           found->second.hasVerdict = true;
-                           found->second.refusal = end.detail;
-                       } else {
-                           shared->files.erase(found);  // it is asked about anew when it is wanted
-                       }
+                       auto& known = found->second;
+                       known.hasVerdict = true;
+                       if (end.outcome != PlayOutcome::Finished) known.refusal = end.detail;
+                       known.isPassing =
+                           end.outcome != PlayOutcome::Finished && end.outcome != PlayOutcome::NotPlayable;
                        shared->changed.notify_all();
                    }});
 }
@@ -78,7 +76,7 @@ void SoundFiles::lookAt(const std::string& folder) {
         const std::string path = folder + "/" + it->path().filename().string();
         struct stat info {};
         if (::stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) continue;
-        const Stamp stamp{info.st_dev, info.st_ino, info.st_size, info.st_mtim};
+        const Stamp stamp{info.st_dev, info.st_ino, info.st_size, info.st_ctim};
         {
             const std::lock_guard lock(m_shared->mutex);
             m_shared->files[path] = {.stamp = stamp};
@@ -93,10 +91,10 @@ std::optional<std::string> SoundFiles::refusal(const std::string& path) {
     if (!S_ISREG(info.st_mode)) return "it is no file";
     if (static_cast<std::uint64_t>(info.st_size) > kSoundFileSize)
         return "it is larger than " + std::to_string(kSoundFileSize >> 20) + " MiB";
-    const Stamp stamp{info.st_dev, info.st_ino, info.st_size, info.st_mtim};
+    const Stamp stamp{info.st_dev, info.st_ino, info.st_size, info.st_ctim};
     std::unique_lock lock(m_shared->mutex);
     auto known = m_shared->files.find(path);
-    if (known == m_shared->files.end() || !(known->second.stamp == stamp)) {
+    if (known == m_shared->files.end() || !(known->second.stamp == stamp) || known->second.isPassing) {
         if (m_shared->stopped) return "the host stops";
         if (m_shared->files.size() >= kKnownFiles) m_shared->files.clear();
         m_shared->files[path] = {.stamp = stamp};

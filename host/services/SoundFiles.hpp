@@ -10,7 +10,9 @@
 namespace vigil {
 
 /// Which files can be played. A file is looked at once, by the player's process, and the verdict is kept for
-/// as long as the file's size and time stay. Main thread.
+/// as long as the file's size and the time of its last change stay. What says nothing about the file (the
+/// player ended, no memory, it could not be read) is no verdict: the file is looked at anew when it is wanted
+/// again. Main thread.
 class SoundFiles {
   public:
     /// The player is the caller's and outlives this; `patience` is how long `refusal` waits for a verdict.

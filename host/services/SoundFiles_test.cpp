@@ -27,13 +27,13 @@ class SoundFile : public PlayerBench {
   protected:
     /// A player that does not answer.
     Player& hungPlayer() {
-        player({.helper = program("sleep 60\n")});
+        player({.helper = program("exec sleep 60\n")});
         return *m_player;
     }
 };
 
 TEST_F(SoundFile, AVerdictIsKeptUntilTheFileChanges) {
-    SoundFiles files(player(options()));
+    SoundFiles files(player(options()), milliseconds(4000));
     const std::string file = tone("a.wav", 0.2);
     EXPECT_EQ(files.refusal(file), std::nullopt);
     m_player->stop();
@@ -43,10 +43,41 @@ TEST_F(SoundFile, AVerdictIsKeptUntilTheFileChanges) {
 }
 
 TEST_F(SoundFile, OneThatIsChangedIsLookedAtAnew) {
-    SoundFiles files(player(options()));
+    SoundFiles files(player(options()), kPatience);
     const std::string file = write("a.wav", "no sound");
     EXPECT_THAT(files.refusal(file).value_or(""), HasSubstr("no wav, mp3, ogg or flac"));
     tone("a.wav", 0.2);
+    EXPECT_EQ(files.refusal(file), std::nullopt);
+}
+
+TEST_F(SoundFile, AFailureThatPassesIsNoVerdictAboutTheFile) {
+    const std::string file = tone("a.wav", 0.2);
+    const std::string helper =
+        program("[ -e " + path("well") + " ] && exec " + builtHelper() + " \"$@\"\nkill -9 $$\n");
+    SoundFiles files(player({.helper = helper}), kPatience);
+    EXPECT_THAT(files.refusal(file).value_or(""), HasSubstr("the player was ended by signal 9"));
+    write("well", "");
+    EXPECT_EQ(files.refusal(file), std::nullopt);
+}
+
+TEST_F(SoundFile, AFileAtWhichThePlayerCrashesIsRefusedForGood) {
+    const std::string file = tone("a.wav", 0.2);
+    const std::string helper =
+        program("[ -e " + path("well") + " ] && exec " + builtHelper() + " \"$@\"\nkill -SEGV $$\n");
+    SoundFiles files(player({.helper = helper}), kPatience);
+    EXPECT_THAT(files.refusal(file).value_or(""), HasSubstr("when it tried to decode it"));
+    write("well", "");
+    EXPECT_NE(files.refusal(file), std::nullopt);
+}
+
+TEST_F(SoundFile, OneThatIsChangedWithinItsTimeAndSizeIsLookedAtAnew) {
+    SoundFiles files(player(options()), kPatience);
+    const std::string sound = toneWav(0.2);
+    const std::string file = write("a.wav", std::string(sound.size(), 'x'));
+    const auto time = std::filesystem::last_write_time(file);
+    EXPECT_NE(files.refusal(file), std::nullopt);
+    write("a.wav", sound);
+    std::filesystem::last_write_time(file, time);
     EXPECT_EQ(files.refusal(file), std::nullopt);
 }
 
@@ -94,7 +125,7 @@ TEST_F(SoundFile, WhoWaitsIsLetGoWhenTheHostStops) {
 }
 
 TEST_F(SoundFile, APlayerIsAnInertHandleAndAbsentWhereTheFileCannotBePlayed) {
-    SoundFiles files(player(options()));
+    SoundFiles files(player(options()), kPatience);
     Sink sink;
     LinuxSound sound(files, sink);
     const std::string file = tone("a.wav", 0.2);

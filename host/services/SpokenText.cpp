@@ -27,6 +27,7 @@ SpokenText spokenText(const std::optional<std::string>& text) {
     SpokenText made;
     std::string_view rest = text ? std::string_view(*text) : std::string_view();
     std::size_t characters = 0;
+    std::size_t behind = 0;
     while (!rest.empty()) {
         const std::size_t size = characterSize(rest);
         std::string_view character = rest.substr(0, std::max<std::size_t>(size, 1));
@@ -34,7 +35,8 @@ SpokenText spokenText(const std::optional<std::string>& text) {
         if (size == 0 || isControl(character)) character = " ";
         if (character == " " && made.text.empty()) continue;
         if (characters == kSpokenCharacters) {
-            ++made.leftOut;
+            ++behind;
+            if (character != " ") made.leftOut = behind;  // blanks at the end are nobody's loss
             continue;
         }
         if (character == "[" && made.text.ends_with('[')) made.text += ' ';

@@ -49,6 +49,8 @@ TEST(SpokenText, ALongTextIsCutBetweenTwoCharacters) {
     EXPECT_EQ(made.text.size(), 2 * kSpokenCharacters);
     EXPECT_TRUE(isValidUtf8(made.text));
     EXPECT_EQ(made.leftOut, 7u);
+    EXPECT_EQ(spokenText(std::string(kSpokenCharacters, 'a') + " \n").leftOut, 0u) << "nothing is lost";
+    EXPECT_EQ(spokenText(std::string(kSpokenCharacters, 'a') + " b ").leftOut, 2u);
     EXPECT_EQ(spokenText(text.substr(0, 2 * kSpokenCharacters)).leftOut, 0u);
     EXPECT_EQ(spokenText(std::string(200000, 'x')).text.size(), kSpokenCharacters);
 }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cctype>
 #include <tuple>
 
 #include <toml++/toml.h>
@@ -121,6 +122,11 @@ class Reader {
             if (row.key == key.str()) return readValue(row, path, node);
             keys.emplace_back(row.key);
         }
+        if (section == "mail" && (key.str() == "password" || key.str() == "passwd"))
+            return problem(key.source(),
+                           path +
+                               ": a password never stands here; write it as a line NAME = "
+                               "PASSWORD into the file of secrets, and the NAME as mail.secret");
         const std::string near = nearestWord(key.str(), keys);
         const std::string home = sectionWith(key.str());
         problem(key.source(), path + ": there is no such key" +
@@ -142,6 +148,22 @@ class Reader {
     SettingsReading m_reading;
 };
 
+/// For a line whose value is a text without its quotes, or without one of them; else empty.
+std::string quotesNote(std::string_view text, unsigned line) {
+    for (; line > 1 && !text.empty(); --line)
+        text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+    text = text.substr(0, text.find('\n'));
+    const std::size_t equals = text.find('=');
+    const std::size_t begin =
+        equals == std::string_view::npos ? equals : text.find_first_not_of(" \t\r", equals + 1);
+    if (begin == std::string_view::npos) return {};
+    const std::string_view value = text.substr(begin);
+    const bool isOpen = value[0] == '"' && value.find('"', 1) == std::string_view::npos;
+    const bool isBare = std::isalpha(static_cast<unsigned char>(value[0])) != 0 || value[0] == '/' ||
+                        value[0] == '~' || static_cast<unsigned char>(value[0]) >= 0x80;
+    return isOpen || isBare ? "; a text stands in quotes, as in voice = \"de\"" : "";
+}
+
 SettingsReading refused(SettingPlace place, std::string why) {
     SettingsReading reading;
     reading.problems.push_back({place, std::move(why)});
@@ -159,7 +181,11 @@ SettingsReading parseSettings(std::string_view text, const std::string& folder, 
         const toml::table root = toml::parse(text);
         return Reader(root, {folder, home}).read();
     } catch (const toml::parse_error& mistake) {
-        return refused(placeOf(mistake.source()), "cannot be read: " + std::string(mistake.description()));
+        const SettingPlace place = placeOf(mistake.source());
+        // a text that is not closed is missed in the next line
+        const std::string note = quotesNote(text, place.line);
+        return refused(place, "cannot be read: " + std::string(mistake.description()) +
+                                  (note.empty() && place.line > 1 ? quotesNote(text, place.line - 1) : note));
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/words/Addresses.hpp"
+
 namespace vigil {
 namespace {
 
@@ -17,10 +19,6 @@ void need(SettingsReading& reading, const char* path, bool needed, const std::st
     const auto place = reading.places.find(path);
     reading.problems.push_back({place == reading.places.end() ? SettingPlace{} : place->second,
                                 std::string(path) + ": " + why + " needs " + missing});
-}
-
-bool isThisMachine(const std::string& host) {
-    return host == "localhost" || host == "::1" || host == "[::1]" || host.starts_with("127.");
 }
 
 }  // namespace

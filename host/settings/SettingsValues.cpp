@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "host/settings/SettingsFile.hpp"
+#include "host/words/Addresses.hpp"
 #include "host/words/NearestWord.hpp"
 
 namespace vigil {
@@ -22,20 +23,28 @@ bool isNameCharacter(char c) {
            c == '_' || c == '.';
 }
 
-/// Letters, digits and punctuation that a name of the net or "[::1]" has; other scripts as they are.
+/// Letters, digits and punctuation of a name; other scripts as they are.
 bool isHostCharacter(char c) {
-    return isNameCharacter(c) || c == ':' || c == '[' || c == ']' || static_cast<unsigned char>(c) >= 0x80;
+    return isNameCharacter(c) || static_cast<unsigned char>(c) >= 0x80;
 }
 
-/// NAME@DOMAIN of the ASCII characters that need no quotes, so that it ends no header and steers no program.
-bool isAddress(const std::string& text) {
-    const auto at = text.find('@');
-    if (text.front() == '-' ||
-        std::any_of(text.begin(), text.end(), [](unsigned char c) { return c > 0x7e; }))
-        return false;
-    return at != std::string::npos && at > 0 && at + 1 < text.size() &&
-           text.find('@', at + 1) == std::string::npos &&
-           text.find_first_of(" <>,;:\"()[]\\") == std::string::npos;
+/// A name of the net, or an address, which may stand in brackets where it is one with colons.
+bool isHost(const std::string& text) {
+    if (text.find(':') == std::string::npos && !text.starts_with('['))
+        return std::all_of(text.begin(), text.end(), isHostCharacter);
+    const bool inBrackets = text.starts_with('[') && text.ends_with(']');
+    return isIpv6Address(inBrackets ? text.substr(1, text.size() - 2) : text);
+}
+
+/// Where "mail.example.org:2525" was meant.
+std::string portNote(const SettingRow& row, const std::string& text) {
+    const std::size_t colon = text.rfind(':');
+    const bool isPort = colon != std::string::npos && colon + 1 < text.size() &&
+                        std::all_of(text.begin() + static_cast<std::ptrdiff_t>(colon) + 1, text.end(),
+                                    [](char c) { return c >= '0' && c <= '9'; });
+    return row.kind == Kind::Host && isPort && isHost(text.substr(0, colon))
+               ? "; the port stands in mail.port"
+               : "";
 }
 
 bool isRight(Kind kind, const std::string& text) {
@@ -43,9 +52,9 @@ bool isRight(Kind kind, const std::string& text) {
     if (text.empty()) return true;
     switch (kind) {
         case Kind::Host:
-            return std::all_of(text.begin(), text.end(), isHostCharacter);
+            return isHost(text);
         case Kind::Address:
-            return isAddress(text);
+            return isMailAddress(text);
         case Kind::Name:
             return std::all_of(text.begin(), text.end(), isNameCharacter);
         default:
@@ -76,7 +85,7 @@ std::optional<std::string> textMistake(const SettingRow& row, const std::string&
     if (row.kind == Kind::Choice &&
         std::find(row.choices.begin(), row.choices.end(), text) == row.choices.end())
         return expectedInstead(row, shortened(text)) + suggestion(row, text);
-    if (!isRight(row.kind, text)) return expectedInstead(row, shortened(text));
+    if (!isRight(row.kind, text)) return expectedInstead(row, shortened(text)) + portNote(row, text);
     return std::nullopt;
 }
 

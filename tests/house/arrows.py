@@ -28,7 +28,7 @@ MAY_SEE = {
     "plugins/VigilPlugIn/VigilPlugIn": HOUSE,
     "plugins/ContractProbe": WITHOUT_CONDITIONS,
     "host/services": WITHOUT_CONDITIONS,
-    "host/services/automation": (*WITHOUT_CONDITIONS, "host/services"),
+    "host/services/automation": (*WITHOUT_CONDITIONS, "host/services", *WORDS),
     "host/readings": WITHOUT_CONDITIONS,
     "host/words": ("platform",),
     "host/settings": ("platform", *WORDS),
@@ -39,9 +39,11 @@ MAY_SEE = {
     "host/site": WITHOUT_CONDITIONS,
     "host/run": (*HOUSE, *BUILDING_BLOCKS, *WORDS),
     "host/helper": ("platform", "host/services", "host/services/automation"),
+    "host/helper/media": ("platform", "host/services", "host/services/automation", "host/helper"),
     "host/kit": (*HOUSE, "host/services"),
-    "host/command": (*HOUSE, *BUILDING_BLOCKS, *WORDS, "host/settings", "host/run"),
-    "host/desktop": (*HOUSE, *BUILDING_BLOCKS, *WORDS, "host/settings", "host/run"),
+    "host/setup": (*HOUSE, *BUILDING_BLOCKS, *WORDS, "host/settings", "host/run"),
+    "host/command": (*HOUSE, *BUILDING_BLOCKS, *WORDS, "host/settings", "host/run", "host/setup"),
+    "host/desktop": (*HOUSE, *BUILDING_BLOCKS, *WORDS, "host/settings", "host/run", "host/setup"),
 }
 # These are drawn so that a header that is not found there shows that the asking itself went wrong.
 MUST_EXIST = HOUSE

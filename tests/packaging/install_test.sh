@@ -51,18 +51,24 @@ serves() {
 
 DESTDIR="$work/staged" cmake --install "$build" --prefix /usr >"$work/log" || wrong "cmake --install: $(cat "$work/log")"
 usr="$work/staged/usr"
-there "$usr" bin/vigil libexec/vigil/vigil-helper lib/libvigilkit.so.0 lib/libvigilkit.so \
+there "$usr" bin/vigil libexec/vigil/vigil-helper libexec/vigil/vigil-helper-media lib/libvigilkit.so.0 lib/libvigilkit.so \
     lib/vigil/VigilPlugIn/{Info.json,VigilPlugIn.so,Resources/QRVVigilPlugIn.ui,Resources/bell.wav} \
     lib/systemd/{system,user}/vigil.service lib/sysusers.d/vigil.conf lib/tmpfiles.d/vigil.conf \
     share/man/man1/{vigil,vigil-monitor}.1 share/bash-completion/completions/vigil \
     share/zsh/vendor-completions/_vigil share/fish/vendor_completions.d/vigil.fish \
     share/doc/vigil/{copyright,LICENSE,CHANGELOG.md,small-server.md,formats/csv.md,examples/frost-night.csv} \
     include/vigil/host_contract/Module.hpp lib/cmake/VigilKit/VigilKitConfig.cmake share/doc/vigil-dev/copyright
-[[ $(ls "$usr/bin") == vigil ]] || wrong "bin holds more than the program: $(ls "$usr/bin")"
+# The window is there where its libraries are.
+window=()
+if [[ -e $build/bin/vigil-window ]]; then
+    window=(vigil-window)
+    there "$usr" share/applications/vigil.desktop share/doc/vigil-window/desktop.md
+fi
+[[ $(ls "$usr/bin") == $(printf '%s\n' vigil "${window[@]}") ]] || wrong "bin holds more than the programs: $(ls "$usr/bin")"
 [[ $(ls "$work/staged") == usr ]] || wrong "something is installed outside the prefix: $(ls "$work/staged")"
 # Only what is run has the right to be run; nothing is writable for others.
 (cd "$usr" && find . -type f -perm /111 ! -name '*.so*' | sort) >"$work/runs"
-printf '%s\n' ./bin/vigil ./libexec/vigil/vigil-helper ./share/doc/vigil/examples/make-readings.sh |
+printf '%s\n' ./bin/vigil "${window[@]/#/./bin/}" ./libexec/vigil/vigil-helper ./libexec/vigil/vigil-helper-media ./share/doc/vigil/examples/make-readings.sh |
     diff - "$work/runs" || wrong "other files than the programs may be run"
 if [[ -n $(find "$usr" -perm /022 ! -type l) ]]; then wrong "others may write: $(find "$usr" -perm /022 ! -type l)"; fi
 grep -q '^ExecStart=/usr/bin/vigil run ' "$usr/lib/systemd/system/vigil.service" || wrong "the unit's program"

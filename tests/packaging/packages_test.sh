@@ -12,6 +12,15 @@ export SOURCE_DATE_EPOCH=1700000000
 shopt -s nullglob
 packages=("$work"/made/vigil_*.deb "$work"/made/vigil-dev_*.deb)
 [[ ${#packages[@]} -eq 2 ]] || { wrong "not two packages: $(ls "$work/made")"; finish packages; }
+window=("$work"/made/vigil-window_*.deb)
+if [[ ${#window[@]} -eq 1 ]]; then
+    # No pipe into a grep that ends at once: what it leaves unread would count as a failure.
+    [[ $(dpkg-deb -f "${window[0]}" Depends) == *libqt6widgets6* ]] || wrong "what vigil-window depends on"
+    [[ $(dpkg-deb -c "${window[0]}") == *usr/share/applications/vigil.desktop* ]] ||
+        wrong "the window has no entry in the menus"
+    packages+=("${window[0]}")
+fi
+[[ $(dpkg-deb -f "${packages[0]}" Depends) != *qt* ]] || wrong "the service depends on Qt"
 package="${packages[0]}"
 
 field() {

@@ -65,7 +65,8 @@ TEST_F(MonitorView, EveryNameThatAnInterfaceFileBindsStandsInItsOwnersTable) {
     }
     EXPECT_THAT(bound, UnorderedElementsAre("evaluating", "predicate", "triggerOnlyOnChange",
                                             "retriggerInterval", "actionStatus"));
-    EXPECT_THAT(asked, UnorderedElementsAre("activateButtonClicked:", "testSound:"));
+    EXPECT_THAT(asked, UnorderedElementsAre(
+                           "activateButtonClicked:", "testSound:", "determineWhatPartOfPredicateCauseAlert"));
     EXPECT_THAT(filled, UnorderedElementsAre("activateButton", "predicateEditor", "ruleEditor"));
 }
 
@@ -79,7 +80,7 @@ TEST_F(MonitorView, LoadsIntoModelsWithOneDefaultRowAndTheStoredCondition) {
     for (const auto& button : m_monitor.controls<Button>())
         buttons.push_back(button->title());
     EXPECT_THAT(buttons, ElementsAre("&Activate", "Only readings that are &newer and have changed",
-                                     "&Test sounds and speech"));
+                                     "E&xplain", "&Test sounds and speech"));
 }
 
 TEST_F(MonitorView, TheConditionsRowsOfferTheStationsReadings) {

@@ -16,7 +16,7 @@
 
 namespace vigil {
 
-/// A monitor's archive: with a condition and one script row.
+/// A monitor's archive: with a condition, one script row, and a wait that was over long ago.
 inline std::string archive(const std::string& condition, int minutes, const std::string& script) {
     return R"({"format":"vigil-archive","version":1,"root":{"$class":"QRVVigilPlugIn","$id":1,)"
            R"("agent":{"$station":true},"title":"","ruleEdStoredCriteria":[[{"$class":"RunScriptCriterion","$id":2,)"
@@ -24,7 +24,7 @@ inline std::string archive(const std::string& condition, int minutes, const std:
            R"("agent":{"$station":true}}]},{"$ref":3}]],"ruleEdStoredDisplayValues":[["Run script",)"
            R"({"$class":"TextField","$id":4,"stringValue":")" +
            script + R"("}]],"evaluating":true,"retriggerInterval":)" + std::to_string(minutes) +
-           R"(,"triggerOnlyOnChange":false,"predicate":{"$class":"ConditionPredicate","$id":5,"text":")" +
+           R"(,"retriggerDate":{"$date":1.0},"triggerOnlyOnChange":false,"predicate":{"$class":"ConditionPredicate","$id":5,"text":")" +
            condition + "\"}}}";
 }
 

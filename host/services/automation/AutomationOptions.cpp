@@ -1,13 +1,9 @@
 #include "host/services/automation/AutomationOptions.hpp"
 
-#include "host/services/automation/HandOver.hpp"
+#include "host/words/Addresses.hpp"
 
 namespace vigil {
 namespace {
-
-bool isThisMachine(const std::string& host) {
-    return host == "localhost" || host == "::1" || host.starts_with("127.");
-}
 
 std::optional<std::string> whyNoSmtp(const MailOptions& options) {
     if (options.host.empty()) return "no mail server is set";

@@ -24,6 +24,16 @@ DeliveryResult notBegun() {
     return {DeliveryResult::Deferred, 0, 0, "the program stopped before its turn came"};
 }
 
+DeliveryResult notWritten() {
+    return {DeliveryResult::Deferred, 0, 0, "its beginning could not be written down"};
+}
+
+/// A clock that was wrong, or is set back, holds a message back for no longer than the longest wait.
+void trustOnlySoFar(Posting& posting, const RetryOptions& retry, Date now) {
+    posting.asked = std::min(posting.asked, now);
+    posting.due = std::min(posting.due, now.plus(retry.longestSeconds));
+}
+
 }  // namespace
 
 Posting::~Posting() = default;
@@ -86,6 +96,7 @@ std::shared_ptr<Posting> Courier::State::next(Of& of, std::unique_lock<std::mute
         const Date now = options.clock();
         double sleep = kLookSeconds;
         for (auto at = of.waiting.begin(); at != of.waiting.end(); ++at) {
+            trustOnlySoFar(**at, options.retry, now);
             const double left = (*at)->due.secondsSince(now);
             if (left <= 0) {
                 auto posting = std::move(*at);
@@ -108,10 +119,10 @@ DeliveryResult Courier::State::delivered(const Posting& posting) {
 }
 
 void Courier::State::attempt(Lane lane, const std::shared_ptr<Posting>& posting) {
-    const auto begun = std::make_shared<std::promise<void>>();
-    posting->begin(options.clock(), [begun] { begun->set_value(); });
-    begun->get_future().wait();
-    const DeliveryResult result = delivered(*posting);
+    const auto begun = std::make_shared<std::promise<bool>>();
+    posting->begin(options.clock(), [begun](bool written) { begun->set_value(written); });
+    const bool written = begun->get_future().get();
+    const DeliveryResult result = written || posting->attempt == 1 ? delivered(*posting) : notWritten();
     const Date now = options.clock();
     const auto again = result.outcome == DeliveryResult::Deferred
                            ? nextAttempt(options.retry, posting->asked, posting->attempt, now)
@@ -158,8 +169,7 @@ void Courier::reserveAnyway(Lane lane) {
 
 void Courier::submit(Lane lane, std::shared_ptr<Posting> posting) {
     const Date now = m_state->options.clock();
-    // a clock that was wrong does not hold a message back for years
-    posting->due = std::min(posting->due, now.plus(m_state->options.retry.longestSeconds));
+    trustOnlySoFar(*posting, m_state->options.retry, now);
     {
         const std::lock_guard lock(m_state->mutex);
         if (!m_state->stopping) {

@@ -25,8 +25,10 @@ class Posting {
     // On the courier's thread. Must not throw.
 
     /// The attempt begins as soon as `go` is called, which happens once, on any thread, when the beginning is
-    /// written down or cannot be.
-    virtual void begin(Date now, std::function<void()> go) = 0;
+    /// written down (true) or cannot be (false). A first attempt is made all the same: an alarm is worth more
+    /// than its record. A later one is put off, since what is written down is that it is due: a restart would
+    /// send it a second time.
+    virtual void begin(Date now, std::function<void(bool written)> go) = 0;
     /// What became of it. `again`: when it is tried again; nothing where it is not.
     virtual void ended(const DeliveryResult& result, Date now, std::optional<Date> again) = 0;
 };

@@ -30,7 +30,7 @@ class Noted : public Posting {
         message = SmsHandOver{"45", text};
         asked = due = systemNow();
     }
-    void begin(Date, std::function<void()> go) override {
+    void begin(Date, std::function<void(bool)> go) override {
         {
             const std::lock_guard lock(m_mutex);
             ++m_begun;
@@ -39,7 +39,7 @@ class Noted : public Posting {
                 return;
             }
         }
-        go();
+        go(isWritten);
     }
     void ended(const DeliveryResult& result, Date, std::optional<Date> again) override {
         const std::lock_guard lock(m_mutex);
@@ -58,17 +58,18 @@ class Noted : public Posting {
     }
     void go() {
         const std::lock_guard lock(m_mutex);
-        m_go();
+        m_go(isWritten);
     }
 
     std::atomic<bool> hold = false;
+    std::atomic<bool> isWritten = true;
 
   private:
     mutable std::mutex m_mutex;
     int m_begun = 0;
     bool m_over = false;
     std::vector<DeliveryResult::Outcome> m_results;
-    std::function<void()> m_go;
+    std::function<void(bool)> m_go;
 };
 
 class CourierOfMessages : public testing::Test {
@@ -190,6 +191,43 @@ TEST_F(CourierOfMessages, AStopDefersWhatHasNotBegunAndEndsWhatRuns) {
     const auto late = std::make_shared<Noted>("late");
     courier.submit(Courier::Sms, late);
     EXPECT_EQ(late->results(), Outcomes{DeliveryResult::Deferred});
+}
+
+TEST_F(CourierOfMessages, AnotherAttemptThatIsNotWrittenDownIsPutOffAndAFirstOneIsMade) {
+    Courier courier(m_options);
+    auto first = std::make_shared<Noted>("first");
+    first->isWritten = false;
+    auto again = std::make_shared<Noted>("again");
+    again->isWritten = false;
+    again->attempt = 2;
+    for (const auto& posting : {first, again}) {
+        ASSERT_TRUE(courier.reserve(Courier::Sms));
+        courier.submit(Courier::Sms, posting);
+    }
+    EXPECT_TRUE(soon([&] { return again->results().size() >= 2; }));
+    EXPECT_EQ(first->results(), Outcomes{DeliveryResult::Accepted});
+    EXPECT_EQ(sent(), "first\n");
+    again->isWritten = true;
+    EXPECT_TRUE(soon([&] { return again->isOver(); }));
+    EXPECT_EQ(again->results().front(), DeliveryResult::Deferred);
+    EXPECT_EQ(again->results().back(), DeliveryResult::Accepted);
+    EXPECT_EQ(sent(), "first\nagain\n") << "it is sent once";
+}
+
+TEST_F(CourierOfMessages, AClockThatIsSetBackHoldsNothingBackForLong) {
+    std::atomic<double> ahead = 1e8;
+    m_options.clock = [&ahead] { return systemNow().plus(ahead); };
+    m_folder.write("status", "75");
+    Courier courier(m_options);
+    const auto posting = std::make_shared<Noted>("late");
+    posting->asked = posting->due = m_options.clock();
+    ASSERT_TRUE(courier.reserve(Courier::Sms));
+    courier.submit(Courier::Sms, posting);
+    EXPECT_TRUE(soon([&] { return posting->results().size() >= 2; }));
+    ahead = 0;
+    m_folder.write("status", "0");
+    EXPECT_TRUE(soon([&] { return posting->isOver(); }));
+    EXPECT_EQ(posting->results().back(), DeliveryResult::Accepted);
 }
 
 TEST(NextAttempt, TheWaitDoublesToItsBoundAndEndsWithTheDay) {

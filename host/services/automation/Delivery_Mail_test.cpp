@@ -74,24 +74,6 @@ TEST_F(MailDelivery, WithTlsFromTheBeginning) {
     EXPECT_THAT(server.mail(1), HasSubstr("\r\n???\r\n"));
 }
 
-TEST_F(MailDelivery, ACertificateThatNobodyVouchesForOrOfAnotherNameIsRefused) {
-    for (const char* security : {"starttls", "tls"}) {
-        const MailBench server({"--security", security, "--certificate-for", "DNS:other.example"});
-        AutomationOptions options = server.options();
-        options.mail.security = security[0] == 's' ? MailOptions::StartTls : MailOptions::Tls;
-        const DeliveryResult unknown = sent(options);
-        EXPECT_EQ(unknown.outcome, DeliveryResult::Refused) << unknown.words;
-        EXPECT_EQ(unknown.code, 60) << unknown.words;
-        options.mail.caFile = server.folder() + "/cert.pem";
-        const DeliveryResult other = sent(options);
-        EXPECT_EQ(other.outcome, DeliveryResult::Refused) << other.words;
-        EXPECT_EQ(other.code, 60) << other.words;
-        options.mail.caFile = "/no/such/file";
-        EXPECT_EQ(sent(options).outcome, DeliveryResult::Refused);
-        EXPECT_EQ(server.mails(), 0u);
-    }
-}
-
 TEST_F(MailDelivery, AServerWithoutStartTlsGetsNothingWhereItIsAskedFor) {
     const MailBench server;
     AutomationOptions options = server.options();

@@ -1,21 +1,19 @@
 #include "host/services/ScriptRunner.hpp"
 #include "host/services/ScriptWire.hpp"
 #include "host/services/automation/Delivery.hpp"
+#include "host/services/automation/PlainText.hpp"
 
 // Programs that take a message over.
 
 namespace vigil {
 namespace {
 
-constexpr int kAskAgain = 75;  // what programs for mail end with when they cannot take it now
+constexpr std::size_t kWordsShown = 2000;  // bytes of what a program wrote
+constexpr int kAskAgain = 75;              // what programs for mail end with when they cannot take it now
 
 /// What it wrote, in one line, for people.
 std::string said(const ScriptResult& result) {
-    std::string text = result.lastLines;
-    while (!text.empty() && (text.back() == '\n' || text.back() == ' '))
-        text.pop_back();
-    for (char& c : text)
-        if (c == '\n') c = ' ';
+    const std::string text = plainLine(result.lastLines, kWordsShown);
     return text.empty() ? "" : ": " + text;
 }
 

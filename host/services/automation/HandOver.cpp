@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/words/Addresses.hpp"
+
 namespace vigil {
 namespace {
 
@@ -49,14 +51,6 @@ constexpr std::string_view kMeaning = "\"\\\n\r\t";
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
-}
-
-bool isLetterOrDigit(char c) {
-    return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool isAddressCharacter(char c) {
-    return isLetterOrDigit(c) || std::string_view("!#$%&'*+/=?^_`{|}~-.@").find(c) != std::string_view::npos;
 }
 
 std::size_t commonSize(std::string_view a, std::string_view b) {
@@ -121,7 +115,7 @@ class Reader {
 
     std::string address() {
         const std::size_t begin = m_at;
-        std::string value = run(isAddressCharacter, "a character of an address");
+        std::string value = run(isMailAddressCharacter, "a character of an address");
         if (!m_wrong && !isMailAddress(value)) fail(begin, "an address, NAME@DOMAIN, of at most 254 bytes");
         return value;
     }
@@ -187,15 +181,6 @@ std::string HandOverError::sentence() const {
 
 bool addressesMessages(std::string_view text) {
     return commonSize(text, kSmsHead) > commonSize(text, kMailHead);
-}
-
-bool isMailAddress(std::string_view text) {
-    const std::size_t at = text.find('@');
-    return text.size() <= kLongestAddress && at != std::string_view::npos && at > 0 && at + 1 < text.size() &&
-           text.find('@', at + 1) == std::string_view::npos && text[0] != '-' &&
-           std::all_of(text.begin(), text.end(), isAddressCharacter) &&
-           std::all_of(text.begin() + static_cast<std::ptrdiff_t>(at) + 1, text.end(),
-                       [](char c) { return isLetterOrDigit(c) || c == '-' || c == '.'; });
 }
 
 Result<HandOver, HandOverError> readHandOver(std::string_view text) {

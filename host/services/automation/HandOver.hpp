@@ -20,7 +20,7 @@ struct ViewerHandOver {
 
 struct MailHandOver {
     std::string sender{};     ///< a name, not an address
-    std::string recipient{};  ///< one address: ASCII, NAME@DOMAIN
+    std::string recipient{};  ///< one address, as `isMailAddress` takes it
     std::string subject{};    ///< as it stands in the script: any bytes, control characters included
     std::string content{};    ///< likewise; its lines end with "\n"
     friend bool operator==(const MailHandOver&, const MailHandOver&) = default;
@@ -43,7 +43,6 @@ struct HandOverError {
 };
 
 inline constexpr std::size_t kLongestHandOver = 256 << 10;  ///< bytes; stops a name from filling the ledger
-inline constexpr std::size_t kLongestAddress = 254;         ///< bytes; more has no place in SMTP
 
 /// Reads a text that is exactly of one of the forms. Quotes and backslashes mean what they mean in the
 /// script's language: a backslash makes \" \\ \n \r \t one character and is wrong before anything else, a
@@ -53,8 +52,5 @@ Result<HandOver, HandOverError> readHandOver(std::string_view text);
 
 /// Whether a text, malformed or not, addresses the application for messages rather than the one for mail.
 bool addressesMessages(std::string_view text);
-
-/// One ASCII address: NAME@DOMAIN of the characters that need no quoting, no "-" in front.
-bool isMailAddress(std::string_view text);
 
 }  // namespace vigil

@@ -13,6 +13,13 @@ namespace vigil {
 
 using Clock = std::chrono::steady_clock;
 
+namespace {
+
+/// How often one that was killed is looked at.
+constexpr std::chrono::milliseconds kLook{10};
+
+}  // namespace
+
 StopSignal::StopSignal() : m_event(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (!m_event) throw std::runtime_error("no event descriptor for the courier");
 }
@@ -45,9 +52,11 @@ Result<HelperAnswer> callHelper(const std::string& helper, const char* command, 
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
         pollfd fds[] = {{answer.stopped ? -1 : stop.fd(), POLLIN, 0},
                         {process.socket(), process.socketEvents(), 0},
-                        {process.process(), POLLIN, 0}};
-        ::poll(fds, 3, killed ? -1 : static_cast<int>(std::clamp<long long>(left, 0, 1 << 30)));
+                        {killed ? -1 : process.process(), POLLIN, 0}};
+        ::poll(fds, 3, static_cast<int>(std::clamp<long long>(left, 0, killed ? kLook.count() : 1 << 30)));
         take();
+        // not even the system can end it
+        if (killed && Clock::now() >= deadline) break;
         if (!answer.stopped && stop.raised()) {
             answer.stopped = true;
             process.closeInput();
@@ -56,6 +65,7 @@ Result<HelperAnswer> callHelper(const std::string& helper, const char* command, 
         if (!killed && (process.broken() || Clock::now() >= deadline)) {
             process.kill();
             killed = true;
+            deadline = Clock::now() + kDyingTime;
         }
     }
     take();

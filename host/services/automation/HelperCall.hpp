@@ -33,7 +33,8 @@ struct HelperAnswer {
 
 /// Starts the helper with a job and waits for its message of that kind, for at most `time` plus a grace; when
 /// `stop` is raised the helper is told to end and still has `kHelperGrace` to say how far it came. An error:
-/// no helper was started, so nothing has happened. The calling thread waits.
+/// no helper was started, so nothing has happened. The calling thread waits, at
+/// most two seconds longer for one that was killed and does not end.
 Result<HelperAnswer> callHelper(const std::string& helper, const char* command, std::string job, char kind,
                                 std::chrono::milliseconds time, const StopSignal& stop);
 

@@ -124,6 +124,9 @@ TEST(MailMessage, DatesAreThoseOfTheCalendarAndNeverNonsense) {
 TEST(PlainText, WhatIsNoTextIsReplacedAndControlsAreBlanks) {
     EXPECT_EQ(mendedUtf8("a\xC3\xA5\xFF\xE2\x82"), "a\xC3\xA5\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
     EXPECT_EQ(plainLine("a\tb\r\nc\xC2\x9B"), "a b  c ");
+    EXPECT_EQ(plainLine("a\xC3\xA5\xE2\x82\xAC", 5), "a\xC3\xA5") << "no character is cut in two";
+    EXPECT_EQ(plainLine("a\x1B[2J \n", 100), "a [2J");
+    EXPECT_EQ(plainLine("", 3), "");
     EXPECT_EQ(plainLines("a\tb\r\nc\rd\n\re\x07"), "a\tb\nc\nd\n\ne ");
 }
 

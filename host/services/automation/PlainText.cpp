@@ -50,6 +50,17 @@ std::string plainLine(std::string_view bytes) {
     });
 }
 
+std::string plainLine(std::string_view bytes, std::size_t most) {
+    std::string text = plainLine(bytes);
+    if (text.size() > most) {
+        while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0u) == 0x80u)
+            --most;
+        text.resize(most);
+    }
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
 std::string plainLines(std::string_view bytes) {
     bool afterReturn = false;
     return mapped(bytes, [&](std::string& to, std::string_view character) {
