@@ -58,6 +58,7 @@ struct Player::State {
     void letOthersWait();
     void watch();
     void endLate();
+    void hideProcess();
     void letGo();
     void endProcess(const std::string& because, PlayOutcome outcome, Id culprit);
     void processEnded(std::string how);

@@ -51,6 +51,7 @@ void Player::State::endLate() {
 /// one that tells why.
 void Player::State::endProcess(const std::string& because, PlayOutcome outcome, Id culprit) {
     process->kill();
+    hideProcess();
     for (auto next = requests.begin(); next != requests.end();) {
         const auto request = next++;
         if (!request->sent) continue;
@@ -63,6 +64,7 @@ void Player::State::endProcess(const std::string& because, PlayOutcome outcome, 
 void Player::State::processEnded(std::string how) {
     serve();  // what it said last
     if (!process) return;
+    hideProcess();
     if (how == kCannotBecomePlayer)
         how = "cannot be started: vigil-helper-media is missing or of another version";
     // Files are taken one after another: the first without an answer is the one that it died of, if its
@@ -81,13 +83,16 @@ void Player::State::processEnded(std::string how) {
     letGo();
 }
 
+/// Before the answers: who hears that the process was ended asks for it in vain.
+void Player::State::hideProcess() {
+    const std::lock_guard lock(mutex);
+    processNumber = 0;
+}
+
 /// Behind the answers: one that does not end keeps this thread for a moment.
 void Player::State::letGo() {
     pinged.reset();
-    {
-        const std::lock_guard lock(mutex);
-        processNumber = 0;
-    }
+    hideProcess();
     process.reset();  // kills one that is still there
 }
 
