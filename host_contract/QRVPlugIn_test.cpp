@@ -104,6 +104,7 @@ TEST_F(QRVPlugInTest, TheKitAnswersForItsWorld) {
     EXPECT_EQ(HostWorld::current(), nullptr);
     const World::Scope scope(world);
     EXPECT_EQ(HostWorld::current(), &world);
+    EXPECT_STREQ(kDataKey, "data") << "what a host posts its readings under";
 }
 
 TEST(CycleOutcome, HasAPrintableName) {

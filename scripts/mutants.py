@@ -2,7 +2,7 @@
 """Breaks the code on purpose and expects the tests to notice.
 
     mutants.py check            every mutant fits its file, and there are enough of them
-    mutants.py run [FILTER]     each one built and tested in build/mutants; FILTER: regular expression over file and why
+    mutants.py run [FILTER]     each one built and tested in build/mutants; FILTER: regular expression over list, file and why
 
 A mutant is killed when a test fails or the tests hang, survived when all pass, broken when it does not fit or does
 not compile. Status 1 where any survived or is broken.
@@ -43,9 +43,14 @@ def verdict(mutant, tree):
         return tree.judge(mutant.tests)
 
 
+def chosen_of(mutants, wanted):
+    """`^edges` is a whole list, `AlertCause` a file's, any word of a reason the mutants with that word."""
+    return [m for m in mutants if re.search(wanted, f"{m.place} {m.file} {m.why}")]
+
+
 def run(wanted):
     mutants, faults = mutant_list.read(ROOT / "tests/mutants")
-    chosen = [m for m in mutants if re.search(wanted, f"{m.file} {m.why}")]
+    chosen = chosen_of(mutants, wanted)
     if faults or not chosen:
         print("\n".join(faults) or f"no mutant matches '{wanted}'")
         return 1

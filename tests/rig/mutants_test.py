@@ -60,6 +60,15 @@ class ListTest(MadeUpTree):
         self.assertEqual(mutant.mutated(self.root), (self.root / "a.cpp").read_text().replace("x < 1", "x <= 1"))
 
 
+class FilterTest(unittest.TestCase):
+    def test_a_filter_names_a_list_a_file_or_a_word_of_the_reason(self):
+        edge = mutant_list.Mutant("edges.mutants:3", file="a/Cycle.cpp", why="a wait would not end")
+        kit = mutant_list.Mutant("kit.mutants:3", file="b/Kit.cpp", why="edges would be lost")
+        for wanted, found in [("^edges", [edge]), ("edges", [edge, kit]), ("Cycle", [edge]), ("lost$", [kit]),
+                              ("", [edge, kit]), ("nothing", [])]:
+            self.assertEqual(mutants.chosen_of([edge, kit], wanted), found, wanted)
+
+
 class FakeTree(mutant_build.MutantTree):
     """Building and testing are told instead of done."""
 

@@ -86,6 +86,17 @@ TEST_F(CriterionArchive, EntriesThatAreMissingLeaveTheirFieldsAbsent) {
     EXPECT_THAT(archive.refusals(), IsEmpty());
 }
 
+TEST_F(CriterionArchive, AgentNameAndChildrenAreReadInThatOrder) {
+    MemoryArchive archive(Criterion::criterionWithAgent(m_agent, "root"));
+    for (const char* key : {"children", "name", "agent"})
+        archive.setRootEntry(key, Value(7));
+    archive.read(m_agent);
+    std::vector<std::string> keys;
+    for (const std::string& refusal : archive.refusals())
+        keys.push_back(refusal.substr(0, refusal.find(':')));
+    EXPECT_THAT(keys, ElementsAre("Criterion.agent", "Criterion.name", "Criterion.children"));
+}
+
 TEST_F(CriterionArchive, AnEmptyListOfChildrenIsNotAnAbsentOne) {
     const auto node = Criterion::criterionWithAgent(m_agent, "leaf");
     node->setChildren(std::make_shared<CriterionList>());

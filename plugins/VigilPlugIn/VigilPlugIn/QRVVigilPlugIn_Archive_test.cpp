@@ -68,6 +68,26 @@ TEST_F(MonitorArchive, EightKeysAreWrittenInTheirOrderBehindTheBasesOwn) {
                             "triggerOnlyOnChange", "predicate"));
 }
 
+TEST_F(MonitorArchive, TheBasesEntriesAreReadFirstAndThenTheEightInTheOrderOfWriting) {
+    MemoryArchive archive(m_monitor);
+    // Each of a wrong kind, in another order; the refusals come in the order of reading.
+    for (const char* key :
+         {"predicate", "triggerOnlyOnChange", "lastEvaluationDictionary", "retriggerDate",
+          "retriggerInterval", "evaluating", "ruleEdStoredDisplayValues", "ruleEdStoredCriteria", "title"})
+        archive.setRootEntry(key, ValueList{});
+    for (const char* key : {"ruleEdStoredDisplayValues", "ruleEdStoredCriteria"})
+        archive.setRootEntry(key, Value(7));
+    archive.readAs<QRVVigilPlugIn>(m_agent);
+    std::vector<std::string> keys;
+    for (const std::string& refusal : archive.refusals())
+        keys.push_back(refusal.substr(0, refusal.find(':')));
+    EXPECT_THAT(keys, ElementsAre("QRVVigilPlugIn.title", "QRVVigilPlugIn.ruleEdStoredCriteria",
+                                  "QRVVigilPlugIn.ruleEdStoredDisplayValues", "QRVVigilPlugIn.evaluating",
+                                  "QRVVigilPlugIn.retriggerInterval", "QRVVigilPlugIn.retriggerDate",
+                                  "QRVVigilPlugIn.lastEvaluationDictionary",
+                                  "QRVVigilPlugIn.triggerOnlyOnChange", "QRVVigilPlugIn.predicate"));
+}
+
 TEST_F(MonitorArchive, AllEightKeysSurviveWritingAndReading) {
     fill();
     MemoryArchive archive(m_monitor);

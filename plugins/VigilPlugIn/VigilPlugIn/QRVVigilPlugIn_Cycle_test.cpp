@@ -90,6 +90,18 @@ TEST_F(Cycle, ANotificationWithoutDataIsJudgedEmptyAndEmptiesTheSnapshot) {
     EXPECT_EQ(m_monitor->lastEvaluationDictionary()->size(), 0u);
 }
 
+TEST_F(Cycle, DataOfAnotherKindIsNoneAndOtherKeysAreNotLookedAt) {
+    const auto batch = Readings::make({AgentProperty::number("windChill", 5, m_world.now())});
+    for (const std::shared_ptr<Object>& odd : {std::shared_ptr<Object>(m_agent), std::shared_ptr<Object>()}) {
+        m_world.notificationCenter().post({"kAppRealTimeDataNotification", m_agent, {{"data", odd}}});
+        EXPECT_EQ(m_world.log().lines().back().message, "Vigil evaluation dictionary: {} #QRVVigilPlugIn");
+        EXPECT_EQ(m_monitor->lastEvaluationDictionary()->size(), 0u);
+    }
+    m_world.notificationCenter().post(
+        {"kAppRealTimeDataNotification", m_agent, {{"more", m_agent}, {"data", batch}}});
+    EXPECT_EQ(m_monitor->retriggerDate(), m_world.now().plus(60));
+}
+
 TEST_F(Cycle, RowsRunInOrderEachOnceAlsoEqualOnesAndOnlyTheirHeads) {
     std::vector<int> ran;
     for (const int row : {0, 1, 1})

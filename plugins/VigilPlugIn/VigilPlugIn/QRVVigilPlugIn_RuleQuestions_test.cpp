@@ -54,6 +54,18 @@ TEST_F(RuleQuestions, ANodesChildrenAreItsOwnAndControlsAreNewOnEveryCall) {
               m_monitor->ruleEditorDisplayValueForCriterion(editor, field, 0));
 }
 
+TEST_F(RuleQuestions, RowAndRowTypeMakeNoDifference) {
+    RuleEditor editor;
+    constexpr auto kOther = static_cast<RuleEditorRowType>(1);  // of an editor that has more kinds of rows
+    EXPECT_EQ(m_monitor->ruleEditorNumberOfChildrenForCriterion(editor, nullptr, kOther), 6);
+    const auto root = m_monitor->ruleEditorChildForCriterion(editor, 4, nullptr, kOther);
+    EXPECT_EQ(root, m_monitor->criteria()->at(4));
+    EXPECT_EQ(m_monitor->ruleEditorNumberOfChildrenForCriterion(editor, root, kOther), 2);
+    const auto no = m_monitor->ruleEditorChildForCriterion(editor, 1, root, kOther);
+    for (const std::int64_t row : {-1, 0, 999})
+        EXPECT_EQ(m_monitor->ruleEditorDisplayValueForCriterion(editor, no, row), DisplayValue{"No"});
+}
+
 TEST_F(RuleQuestions, AnIndexOutsideThrowsAndAnObjectThatIsNoNodeHasNothing) {
     RuleEditor editor;
     for (const std::int64_t index : {-1, 6}) {

@@ -1,5 +1,7 @@
 #include "plugins/VigilPlugIn/VigilPlugIn/QRVVigilPlugIn.hpp"
 
+#include <limits>
+
 #include <gmock/gmock.h>
 
 #include "host_contract/QRVKit.hpp"
@@ -157,6 +159,12 @@ TEST_F(Monitor, TheTimerTextCountsDaysHoursAndMinutesAndKeepsTheTimeOfDay) {
               "\nActive 1 day, 0 hrs and 0 mins.  Last checked at 14:05.09 hrs.");
     EXPECT_EQ(m_monitor->getTimerRunTime(-90061),
               "\nActive -1 days, -1 hrs and -1 mins.  Last checked at 14:05.09 hrs.");
+    EXPECT_EQ(m_monitor->getTimerRunTime(std::numeric_limits<std::int32_t>::max()),
+              "\nActive 24855 days, 3 hrs and 14 mins.  Last checked at 14:05.09 hrs.");
+    EXPECT_EQ(m_monitor->getTimerRunTime(std::numeric_limits<std::int32_t>::min()),
+              "\nActive -24855 days, -3 hrs and -14 mins.  Last checked at 14:05.09 hrs.");
+    EXPECT_EQ(m_monitor->getTimerRunTime(-59),
+              "\nActive 0 days, 0 hrs and 0 mins.  Last checked at 14:05.09 hrs.");
     m_world.setZone(-2 * 3600);
     m_monitor->getTimerRunTime(1);
     EXPECT_EQ(m_monitor->dateLastDbPull(), "12:05.09") << "the time of day is the user's";
