@@ -24,10 +24,6 @@ struct ActionsOptions {
     bool json = false;
 };
 
-bool isFailure(const EffectRecord& effect) {
-    return effect.state == EffectRecord::Ended && effect.result != "succeeded";
-}
-
 std::string stateText(const EffectRecord& effect) {
     if (effect.state == EffectRecord::Queued) return "queued";
     if (effect.state == EffectRecord::Started) return "running";

@@ -133,16 +133,6 @@ LogForm logFormOf(LogFormat format) {
     return isJournal(STDERR_FILENO) ? LogForm::Journal : LogForm::Text;
 }
 
-/// The user's secrets; one that cannot be had is told and none.
-std::function<std::optional<std::string>(const std::string&)> secretsOf(QRVLog& log) {
-    return [&log](const std::string& name) -> std::optional<std::string> {
-        auto secret = Secrets(Secrets::defaultFile()).named(name);
-        if (secret) return std::move(secret).value();
-        log.logLevel(kLogProblem, secret.error().message);
-        return std::nullopt;
-    };
-}
-
 void fail(CommandContext& context, const std::string& message) {
     context.output.error(message);
     context.status = ExitStatus::Environment;
@@ -160,17 +150,18 @@ void watch(const RunOptions& options, CommandContext& context) {
                          context);
     if (!file) return;
     StandardLog log(stderr, run.logLevel, systemNow, logFormOf(run.logFormat));
-    auto site = RunningSite::make(*file, log,
-                                  {.programFolder = context.programFolder,
-                                   .scriptsFolder = run.scripts,
-                                   .version = versionText(),
-                                   .threads = static_cast<std::size_t>(run.threads),
-                                   .history = run.history,
-                                   .historyDays = run.historyDays,
-                                   .player = playerOptions(*settings, context.programFolder).setup,
-                                   .automation = automationOptions(*settings, context.programFolder),
-                                   .lostLogLines = [&log] { return log.lostLines(); },
-                                   .secret = secretsOf(log)});
+    auto site = RunningSite::make(
+        *file, log,
+        {.programFolder = context.programFolder,
+         .scriptsFolder = run.scripts,
+         .version = versionText(),
+         .threads = static_cast<std::size_t>(run.threads),
+         .history = run.history,
+         .historyDays = run.historyDays,
+         .player = playerOptions(*settings, context.programFolder).setup,
+         .automation = automationOptions(*settings, context.programFolder),
+         .lostLogLines = [&log] { return log.lostLines(); },
+         .secret = userSecrets([&log](const std::string& why) { log.logLevel(kLogProblem, why); })});
     if (!site) return fail(context, site.error().message);
     Service service(*site.value(), log, manager);
     std::unique_ptr<HealthPort> health;

@@ -58,9 +58,9 @@ void check(const SettingsOptions& options, CommandContext& context) {
 
 void show(const SettingsOptions& options, CommandContext& context) {
     const std::string file = defaultSettingsFile();
-    if (!settingsOf(context)) return;
     const auto reading = readSettings(file);
     if (!reading) return fail(context, ExitStatus::Environment, reading.error().message);
+    if (!isRight(file, reading.value(), context)) return;
     context.output.write(options.json ? settingsJsonLines(reading.value())
                                       : settingsTableLines(file, reading.value()));
 }

@@ -12,17 +12,20 @@ std::optional<Settings> settingsOf(CommandContext& context) {
         context.status = ExitStatus::Environment;
         return std::nullopt;
     }
-    if (reading.value().problems.empty()) return std::move(reading).value().settings;
-    for (const SettingsProblem& problem : reading.value().problems)
+    if (!isRight(file, reading.value(), context)) return std::nullopt;
+    return std::move(reading).value().settings;
+}
+
+bool isRight(const std::string& file, const SettingsReading& reading, CommandContext& context) {
+    for (const SettingsProblem& problem : reading.problems)
         context.output.error(problemText(file, problem));
-    context.status = ExitStatus::BadInput;
-    return std::nullopt;
+    if (!reading.problems.empty()) context.status = ExitStatus::BadInput;
+    return reading.problems.empty();
 }
 
 Settings settingsOrDefaults() {
     auto reading = readSettings(defaultSettingsFile());
-    const bool isRight = reading && reading.value().problems.empty();
-    return isRight ? std::move(reading).value().settings : Settings();
+    return reading && reading.value().problems.empty() ? std::move(reading).value().settings : Settings();
 }
 
 }  // namespace vigil

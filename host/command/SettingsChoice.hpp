@@ -13,7 +13,10 @@ namespace vigil {
 /// cannot be read or something in it is wrong; then that is told and the status set.
 std::optional<Settings> settingsOf(CommandContext& context);
 
-/// The same, all defaults where something is wrong, and nothing told: for what only gives advice.
+/// Is nothing wrong in what was read of `file`? What is wrong is told, and the status set.
+bool isRight(const std::string& file, const SettingsReading& reading, CommandContext& context);
+
+/// The user's settings, all defaults where something is wrong, and nothing told: for what only gives advice.
 Settings settingsOrDefaults();
 
 }  // namespace vigil

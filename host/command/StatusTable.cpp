@@ -1,12 +1,12 @@
 #include "host/command/StatusTable.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include "host/command/Printable.hpp"
+#include "host/command/TimeText.hpp"
 #include "host/services/SystemClock.hpp"
 
 namespace vigil {
@@ -108,14 +108,6 @@ Row rowOf(const StationStatus& station, Date now) {
 }
 
 }  // namespace
-
-std::string ageText(double seconds) {
-    seconds = std::max(seconds, 0.0);
-    if (seconds < 120) return fmt::format("{:.0f} s", std::floor(seconds));
-    if (seconds < 7200) return fmt::format("{:.0f} min", std::floor(seconds / 60));
-    if (seconds < 172800) return fmt::format("{:.0f} h", std::floor(seconds / 3600));
-    return fmt::format("{:.0f} d", std::floor(seconds / 86400));
-}
 
 std::string statusTable(const SiteStatus& status, bool colour) {
     std::string text;

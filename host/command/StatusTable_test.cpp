@@ -24,15 +24,6 @@ SiteStatus sample() {
     return status;
 }
 
-TEST(StatusTable, TellsHowOldDataIsInTheLargestUnitThatMakesSense) {
-    EXPECT_EQ(ageText(-5), "0 s");
-    EXPECT_EQ(ageText(119.9), "119 s");
-    EXPECT_EQ(ageText(120), "2 min");
-    EXPECT_EQ(ageText(7199), "119 min");
-    EXPECT_EQ(ageText(7200), "2 h");
-    EXPECT_EQ(ageText(172800), "2 d");
-}
-
 TEST(StatusTable, NamesStandBelowEachOtherAlsoWhereCharactersHaveSeveralBytes) {
     const std::string text = statusTable(sample(), false);
     EXPECT_THAT(text, HasSubstr("home.vigilsite, run by process 7 for 2 h\n"));

@@ -1,5 +1,6 @@
 #include "host/command/TimeText.hpp"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -91,6 +92,14 @@ Result<Date> timeFromUser(std::string_view given, Date now, const TimeZone& zone
         return hasNoZone(text) ? ofClocks(date.value(), zone) : date.value();
     return Error{"\"" + std::string(given) +
                  "\" is not a time; expected one as in 2026-11-20, 2026-11-20T10:34, \"3 days ago\" or -3h"};
+}
+
+std::string ageText(double seconds) {
+    seconds = std::max(seconds, 0.0);
+    if (seconds < 120) return fmt::format("{:.0f} s", std::floor(seconds));
+    if (seconds < 7200) return fmt::format("{:.0f} min", std::floor(seconds / 60));
+    if (seconds < 172800) return fmt::format("{:.0f} h", std::floor(seconds / 3600));
+    return fmt::format("{:.0f} d", std::floor(seconds / 86400));
 }
 
 }  // namespace vigil

@@ -70,5 +70,14 @@ TEST(TimeText, SaysWhichFormsThereAre) {
                                   "\"3 days ago\" or -3h");
 }
 
+TEST(TimeText, TellsAnAgeInTheLargestUnitThatMakesSense) {
+    EXPECT_EQ(ageText(-5), "0 s");
+    EXPECT_EQ(ageText(119.9), "119 s");
+    EXPECT_EQ(ageText(120), "2 min");
+    EXPECT_EQ(ageText(7199), "119 min");
+    EXPECT_EQ(ageText(7200), "2 h");
+    EXPECT_EQ(ageText(172800), "2 d");
+}
+
 }  // namespace
 }  // namespace vigil

@@ -20,16 +20,6 @@ std::string withUnit(double number, const std::string& unit) {
     return numberText(number) + (unit.empty() ? "" : " " + unit);
 }
 
-std::string ageText(double seconds) {
-    constexpr double kMinute = 60, kHour = 3600, kDay = 86400;
-    const double age = std::abs(seconds);
-    std::string text = age < 2 * kMinute ? fmt::format("{:.0f} s", age)
-                       : age < 2 * kHour ? fmt::format("{:.0f} min", age / kMinute)
-                       : age < 2 * kDay  ? fmt::format("{:.0f} h", age / kHour)
-                                         : fmt::format("{:.0f} days", age / kDay);
-    return text + (seconds < 0 ? " ahead" : " old");
-}
-
 bool isDate(const ComparisonAnswer& answer) {
     return std::holds_alternative<Date>(answer.comparison.literal);
 }
@@ -59,7 +49,8 @@ std::string verdict(const ComparisonAnswer& answer) {
 std::string line(const ComparisonAnswer& answer, std::size_t width) {
     std::vector<std::string> notes;
     if (const auto margin = marginText(answer); !margin.empty()) notes.push_back(margin);
-    if (answer.age && *answer.age != 0) notes.push_back(ageText(*answer.age));
+    if (answer.age && *answer.age != 0)
+        notes.push_back(ageText(std::abs(*answer.age)) + (*answer.age < 0 ? " ahead" : " old"));
     if (answer.leftOut) notes.push_back("not judged, since it had not changed");
     std::string text =
         fmt::format("  {}  {:<{}}  is {}", verdict(answer), answer.text, width, valueText(answer));

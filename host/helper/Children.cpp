@@ -52,10 +52,18 @@ std::vector<pid_t> childProcesses() {
 }
 
 std::vector<pid_t> reapOthers(pid_t but) {
-    std::vector<pid_t> left;
-    for (const pid_t process : childProcesses())
-        if (process != but && ::waitpid(process, nullptr, WNOHANG) == 0) left.push_back(process);
-    return left;
+    while (true) {
+        std::vector<pid_t> left;
+        bool hasTaken = false;
+        for (const pid_t process : childProcesses()) {
+            if (process == but) continue;
+            const pid_t taken = ::waitpid(process, nullptr, WNOHANG);
+            if (taken == 0) left.push_back(process);
+            hasTaken = hasTaken || taken == process;
+        }
+        // The children of one that ended behind the listing have come to us since.
+        if (!hasTaken) return left;
+    }
 }
 
 }  // namespace vigil

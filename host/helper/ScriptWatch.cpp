@@ -132,11 +132,13 @@ bool ScriptWatch::killAll() {
     const Clock::time_point deadline = Clock::now() + kKillTime;
     while (true) {
         ::kill(-m_script.process, SIGKILL);
+        // Asked first: what the script has started comes to us as it ends.
+        const bool ended = hasEnded();
         // what has gone to another session comes to us as its parents die, one generation a turn
         const std::vector<pid_t> others = reapOthers(m_script.process);
         for (const pid_t process : others)
             ::kill(process, SIGKILL);
-        if (others.empty() && hasEnded()) return true;
+        if (others.empty() && ended) return true;
         if (Clock::now() >= deadline) return false;
         pollfd signals{m_childSignals.get(), POLLIN, 0};
         ::poll(&signals, 1, static_cast<int>(kKillLook.count()));

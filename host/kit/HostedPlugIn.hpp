@@ -28,8 +28,9 @@ class HostedPlugIn {
         return std::forward<Action>(action)(*m_plugIn);
     }
 
-    /// Tells it that it is loaded, or that it leaves. One that throws then is marked.
+    /// Tells it that it is loaded. One that throws then is marked.
     void load();
+    /// Tells it that it leaves. What it throws then goes to the log, since it is gone all the same.
     void unload();
 
     /// Nothing means that it runs (or does not run any more); else what stood in the way, and all is as it

@@ -7,6 +7,7 @@
 #include "host/kit/LiveWorld.hpp"
 #include "host/kit/StandardLog.hpp"
 #include "host/kit/testing/HostedBench.hpp"
+#include "host/services/Mailbox.hpp"
 
 namespace vigil {
 namespace {
@@ -62,6 +63,15 @@ TEST_F(HostedPlugInsTest, AnObserverThatIsNoPlugInIsALineInTheLog) {
     all.settle({{std::make_shared<FakeObstacle>(), std::make_exception_ptr(std::runtime_error("odd"))}});
     ASSERT_EQ(world.log().lines().size(), 1U);
     EXPECT_THAT(world.log().lines()[0].message, testing::EndsWith("failed: odd"));
+}
+
+TEST_F(HostedPlugInsTest, ARefusedHandOverIsNobodysFailureAlsoWhereItCanStillBeSettled) {
+    HostedPlugIn& running = all.add(plugIn);
+    running.start();
+    all.settle({{plugIn, std::make_exception_ptr(HandOverRefused())}});
+    EXPECT_TRUE(running.isStarted());
+    EXPECT_EQ(running.failure(), std::nullopt);
+    EXPECT_TRUE(world.log().lines().empty());
 }
 
 TEST_F(HostedPlugInsTest, RemovingStopsAndUnloadsAndDropsThePlugIn) {

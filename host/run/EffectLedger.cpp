@@ -21,6 +21,10 @@ const char* effectKindName(EffectRecord::Kind kind) {
     return "";
 }
 
+bool isFailure(const EffectRecord& effect) {
+    return effect.state == EffectRecord::Ended && effect.result != "succeeded";
+}
+
 namespace {
 
 /// What stands behind it may be a whole text that was not sent: that is for the ledger alone.
@@ -104,8 +108,7 @@ void EffectLedger::ended(EffectRecord record, Date when, std::string result, std
 
 void EffectLedger::remember(const EffectRecord& ended) {
     const std::lock_guard lock(m_mutex);
-    m_last[ended.plugIn] = {ended.what, ended.result, ended.ended.value_or(ended.queued),
-                            ended.result != "succeeded"};
+    m_last[ended.plugIn] = {ended.what, ended.result, ended.ended.value_or(ended.queued), isFailure(ended)};
 }
 
 std::optional<EffectLedger::Last> EffectLedger::last(RecordId plugIn) const {

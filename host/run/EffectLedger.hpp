@@ -77,4 +77,7 @@ class EffectLedger {
 /// "script", "sound", "speech", "mail", "sms"
 const char* effectKindName(EffectRecord::Kind kind);
 
+/// It has ended, and not as it should.
+bool isFailure(const EffectRecord& effect);
+
 }  // namespace vigil

@@ -108,8 +108,9 @@ void LedgerSpeech::stopSpeaking() {
         const std::lock_guard lock(m_mutex);
         m_stopped = true;
         all.swap(m_speeches);
-        for (const auto& [id, speech] : all)
-            if (speech->player != 0) m_player.stop(speech->player);
+        // Youngest first: the end of one that speaks would let the next one begin.
+        for (auto speech = all.rbegin(); speech != all.rend(); ++speech)
+            if (speech->second->player != 0) m_player.stop(speech->second->player);
     }
     for (const auto& [id, speech] : all)
         end(*speech, {PlayOutcome::Cut, kStopped});

@@ -47,4 +47,14 @@ Result<std::optional<std::string>> Secrets::named(const std::string& name) const
     return std::optional<std::string>();
 }
 
+std::function<std::optional<std::string>(const std::string&)> userSecrets(
+    std::function<void(const std::string&)> tell) {
+    return [tell = std::move(tell)](const std::string& name) -> std::optional<std::string> {
+        auto secret = Secrets(Secrets::defaultFile()).named(name);
+        if (secret) return std::move(secret).value();
+        tell(secret.error().message);
+        return std::nullopt;
+    };
+}
+
 }  // namespace vigil

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -23,5 +24,10 @@ class Secrets {
   private:
     const std::string m_file;
 };
+
+/// The user's secrets by name, for feeds: none where there is none, nor where it cannot be had, which `tell`
+/// is then told. Any thread that `tell` may be called on.
+std::function<std::optional<std::string>(const std::string&)> userSecrets(
+    std::function<void(const std::string&)> tell);
 
 }  // namespace vigil

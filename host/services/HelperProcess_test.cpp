@@ -78,6 +78,31 @@ TEST_F(HelperAlone, EndsTheScriptAndItselfWhenTheHostIsGone) {
     EXPECT_FALSE(somethingBears(m_mark));
 }
 
+TEST_F(HelperAlone, LeavesNobodyWhoseParentEndedWhileItLooked) {
+    int ends[2];
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+    posix_spawn_file_actions_t files;
+    posix_spawn_file_actions_init(&files);
+    posix_spawn_file_actions_adddup2(&files, ends[1], 0);
+    std::string program = builtHelper();
+    char word[] = "script";
+    char* words[] = {program.data(), word, nullptr};
+    pid_t number = -1;
+    ASSERT_EQ(::posix_spawn(&number, program.c_str(), &files, nullptr, words, environ), 0);
+    posix_spawn_file_actions_destroy(&files);
+    ::close(ends[1]);
+    const std::string request = encodeScriptJob(
+        job("echo 'if [ $1 -gt 0 ]; then setsid sh $D/chain $(($1 - 1)) & else echo > $D/begun; fi; "
+            "sleep 1000 & wait' > $D/chain\nsh $D/chain 40"));
+    ASSERT_EQ(::send(ends[0], request.data(), request.size(), MSG_NOSIGNAL),
+              static_cast<ssize_t>(request.size()));
+    ASSERT_TRUE(appears("begun"));
+    EXPECT_TRUE(somethingBears(m_mark));
+    ::close(ends[0]);
+    EXPECT_TRUE(eventually([&] { return ::waitpid(number, nullptr, WNOHANG) == number; }));
+    EXPECT_FALSE(somethingBears(m_mark));
+}
+
 TEST_F(HelperAlone, AJobOfAnotherVersionIsAnsweredInWords) {
     auto helper = HelperProcess::start(builtHelper(), "script",
                                        WireWriter('J').number(kScriptWireVersion + 1).text("x").take());

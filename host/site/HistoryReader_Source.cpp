@@ -30,13 +30,15 @@ void holdTheFile(SQLite::Database& database) {
 
 HistorySource::~HistorySource() = default;
 
-StoredSource::StoredSource(std::string path, RecordId station, const HistoryRange& range)
+StoredSource::StoredSource(std::string path, RecordId station, const HistoryRange& range,
+                           std::optional<std::vector<std::string>> keys)
     : m_path(std::move(path)),
       m_station(station),
       m_database(openHistoryForReading(m_path)),
       m_rows(*m_database, kRows),
       m_row(*m_database, kRow),
-      m_text(*m_database, kText) {
+      m_text(*m_database, kText),
+      m_keys(std::move(keys)) {
     holdTheFile(*m_database);
     m_rows.bind(1, station);
     bindRange(m_rows, 2, range);
@@ -75,18 +77,22 @@ Result<std::optional<StoredNotification>> StoredSource::unpack() {
     const auto readings = m_row.getColumn(2);
     const std::string_view packed(static_cast<const char*>(readings.getBlob()),
                                   static_cast<std::size_t>(readings.getBytes()));
-    auto row = unpackRow(packed, layout(m_row.getColumn(1).getInt64()), notification.started,
-                         [this](std::uint64_t number) { return text(number); });
+    const Known& known = layout(m_row.getColumn(1).getInt64());
+    auto row = unpackRow(
+        packed, known.layout, notification.started, [this](std::uint64_t number) { return text(number); },
+        known.choice ? &*known.choice : nullptr);
     if (!row) return Error{m_path + ", notification " + std::to_string(id) + ": " + row.error().message};
     notification.sequence = row.value().sequence;
     notification.readings = std::move(row.value().readings);
     return std::optional(std::move(notification));
 }
 
-const HistoryLayout& StoredSource::layout(std::int64_t id) {
+const StoredSource::Known& StoredSource::layout(std::int64_t id) {
     const auto found = m_layouts.find(id);
     if (found != m_layouts.end()) return found->second;
-    return m_layouts.emplace(id, readHistoryLayout(*m_database, id)).first->second;
+    Known known{.layout = readHistoryLayout(*m_database, id)};
+    if (m_keys) known.choice.emplace(known.layout, *m_keys);
+    return m_layouts.emplace(id, std::move(known)).first->second;
 }
 
 std::optional<std::string> StoredSource::text(std::uint64_t number) {

@@ -18,8 +18,10 @@ namespace vigil {
 /// now. Throws SQLite::Exception where the file cannot be opened. One thread at a time.
 class StoredSource final : public HistorySource {
   public:
-    /// All rows of the range, in the order in which they came.
-    StoredSource(std::string path, RecordId station, const HistoryRange& range);
+    /// All rows of the range, in the order in which they came; of their readings those of the keys alone,
+    /// where there are some given.
+    StoredSource(std::string path, RecordId station, const HistoryRange& range,
+                 std::optional<std::vector<std::string>> keys = {});
     /// Only the last one at `at` or before.
     StoredSource(std::string path, RecordId station, std::optional<Date> at);
 
@@ -27,7 +29,12 @@ class StoredSource final : public HistorySource {
 
   private:
     Result<std::optional<StoredNotification>> unpack();
-    const HistoryLayout& layout(std::int64_t id);
+    /// A layout with what is wanted of its rows.
+    struct Known {
+        HistoryLayout layout{};
+        std::optional<RowChoice> choice{};
+    };
+    const Known& layout(std::int64_t id);
     std::optional<std::string> text(std::uint64_t number);
 
     const std::string m_path;
@@ -37,7 +44,8 @@ class StoredSource final : public HistorySource {
     SQLite::Statement m_row;
     SQLite::Statement m_text;
     bool m_broken = false;
-    std::unordered_map<std::int64_t, HistoryLayout> m_layouts;
+    const std::optional<std::vector<std::string>> m_keys;
+    std::unordered_map<std::int64_t, Known> m_layouts;
     std::unordered_map<std::uint64_t, std::string> m_texts;
 };
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/site/HistoryLayout.hpp"
 #include "host_contract/Readings.hpp"
@@ -31,8 +32,17 @@ struct UnpackedRow {
     std::shared_ptr<const Readings> readings;
 };
 
-/// An error for bytes that no packing gives. Reads untrusted bytes safely.
+/// Which readings of a layout's rows somebody wants.
+struct RowChoice {
+    RowChoice(const HistoryLayout& layout, const std::vector<std::string>& keys);
+
+    std::vector<bool> places;               ///< by the place of the label
+    std::shared_ptr<const KeyTable> table;  ///< the layout's keys that are wanted, in its order
+};
+
+/// An error for bytes that no packing gives. Reads untrusted bytes safely. With a choice the other readings
+/// are passed over; what is amiss with their texts, or behind the last that is wanted, is not noticed.
 Result<UnpackedRow> unpackRow(std::string_view row, const HistoryLayout& layout, Date started,
-                              const TextOfNumber& textOf);
+                              const TextOfNumber& textOf, const RowChoice* choice = nullptr);
 
 }  // namespace vigil

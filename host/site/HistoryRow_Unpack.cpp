@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -44,16 +46,34 @@ double unpackValue(PackedReader& reader, int digits, bool& whole) {
     return DecimalForm{reader.integer(), whole ? digits : 0}.number();
 }
 
+/// Each entry tells its time by the one told last.
+void unpackTime(PackedReader& reader, std::uint8_t tag, Date& last) {
+    const int time = tag & kTimeBits;
+    if (time == kTimeStep) last = last.plus(reader.number());
+    if (time == kWholeTime) last = Date(reader.number());
+}
+
+/// An entry that nobody wants, but for what the next ones need of it.
+void passEntry(PackedReader& reader, Date& last) {
+    const std::uint8_t tag = reader.byte();
+    if (tag >> kDigitsShift == kRawValue)
+        reader.bits();
+    else
+        reader.integer();
+    if (tag & kUnitValue) reader.number();
+    unpackTime(reader, tag, last);
+    for (const std::uint8_t text : {kStringValue, kUnitString})
+        if (tag & text && reader.count() == 0) reader.bytes();
+}
+
 /// Leaves `whole` false where the bytes are none of an entry.
 AgentProperty::Parts unpackEntry(PackedReader& reader, Date& last, const TextOfNumber& textOf, bool& whole) {
     const std::uint8_t tag = reader.byte();
     AgentProperty::Parts parts;
     parts.value = unpackValue(reader, tag >> kDigitsShift, whole);
     parts.unitValue = tag & kUnitValue ? reader.number() : parts.value;
-    const int time = tag & kTimeBits;
-    if (time == kTimeStep) last = last.plus(reader.number());
-    if (time == kWholeTime) last = Date(reader.number());
-    if (time != kNoTime) parts.time = last;
+    unpackTime(reader, tag, last);
+    if ((tag & kTimeBits) != kNoTime) parts.time = last;
     if (tag & kStringValue) parts.stringValue = unpackText(reader, textOf, whole);
     if (tag & kUnitString) parts.unitStringValueWithUnitShort = unpackText(reader, textOf, whole);
     return parts;
@@ -61,8 +81,21 @@ AgentProperty::Parts unpackEntry(PackedReader& reader, Date& last, const TextOfN
 
 }  // namespace
 
+RowChoice::RowChoice(const HistoryLayout& layout, const std::vector<std::string>& keys) {
+    const auto wanted = [&](const std::string& key) {
+        return std::find(keys.begin(), keys.end(), key) != keys.end();
+    };
+    for (const HistoryLayout::Label& label : layout.labels())
+        places.push_back(wanted(label->propertyName));
+    std::vector<std::string> held;
+    if (layout.table())
+        std::copy_if(layout.table()->keys().begin(), layout.table()->keys().end(), std::back_inserter(held),
+                     wanted);
+    table = KeyTable::make(std::move(held));
+}
+
 Result<UnpackedRow> unpackRow(std::string_view row, const HistoryLayout& layout, Date started,
-                              const TextOfNumber& textOf) {
+                              const TextOfNumber& textOf, const RowChoice* choice) {
     PackedReader reader(row);
     const std::uint8_t flags = reader.byte();
     if (reader.failed() || flags > kRowBits) return kDamaged;
@@ -71,16 +104,23 @@ Result<UnpackedRow> unpackRow(std::string_view row, const HistoryLayout& layout,
     std::vector<std::size_t> places;
     if (!unpackPlaces(reader, flags & kListed, layout.labels().size(), places)) return kDamaged;
     std::vector<AgentProperty> entries;
-    entries.reserve(places.size());
+    entries.reserve(choice ? choice->table->size() : places.size());
     Date last = started;
     bool whole = true;
-    for (const std::size_t place : places) {
+    const auto isWanted = [&](std::size_t place) { return !choice || choice->places[place]; };
+    auto left = std::count_if(places.begin(), places.end(), isWanted);
+    for (auto place = places.begin(); left > 0; ++place) {
+        if (!isWanted(*place)) {
+            passEntry(reader, last);
+            continue;
+        }
         auto parts = unpackEntry(reader, last, textOf, whole);
         if (!whole || reader.failed()) return kDamaged;
-        entries.emplace_back(layout.labels()[place], std::move(parts));
+        entries.emplace_back(layout.labels()[*place], std::move(parts));
+        --left;
     }
-    if (!reader.atEnd()) return kDamaged;
-    unpacked.readings = Readings::make(layout.table(), std::move(entries));
+    if (!choice && !reader.atEnd()) return kDamaged;
+    unpacked.readings = Readings::make(choice ? choice->table : layout.table(), std::move(entries));
     return unpacked;
 }
 

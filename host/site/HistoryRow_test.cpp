@@ -1,5 +1,6 @@
 #include "host/site/HistoryRow.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -175,6 +176,34 @@ TEST(HistoryRow, GivesBackRandomBatchesExactly) {
         expectSame(*batch, *back.value().readings);
         if (HasFailure()) return;
     }
+}
+
+TEST(HistoryRow, GivesBackTheReadingsOfAChoiceExactlyAndNoOthers) {
+    RandomBatches random(20261122);
+    std::size_t chosen = 0, passedOver = 0;
+    for (int i = 0; i < 2000; ++i) {
+        SCOPED_TRACE(i);
+        const auto batch = random.batch(Date(0));
+        Packed made = packed(*batch, Date(0), 5);
+        std::vector<std::string> keys{"nowhere"}, held;
+        for (const std::string& key : batch->table()->keys())
+            if (random.upTo(1)) held.push_back(key);
+        keys.insert(keys.end(), held.rbegin(), held.rend());
+        std::vector<AgentProperty> entries;
+        for (const AgentProperty& entry : batch->entries())
+            if (std::find(keys.begin(), keys.end(), entry.propertyName()) != keys.end())
+                entries.push_back(entry);
+        const RowChoice choice(made.layout, keys);
+        const auto back = unpackRow(made.row, made.layout, Date(0), made.texts.textOf(), &choice);
+        ASSERT_TRUE(back) << back.error().message;
+        EXPECT_EQ(back.value().sequence, 5u);
+        expectSame(*Readings::make(KeyTable::make(held), entries), *back.value().readings);
+        if (HasFailure()) return;
+        chosen += entries.size();
+        passedOver += batch->entries().size() - entries.size();
+    }
+    EXPECT_GT(chosen, 3000u);
+    EXPECT_GT(passedOver, 3000u);
 }
 
 TEST(HistoryRow, GivesBackOrderAndDuplicates) {

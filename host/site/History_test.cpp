@@ -40,6 +40,26 @@ TEST_F(History, GivesBackWhatEachStationSaidInARange) {
     EXPECT_FALSE(reader()->latest(kRoof, kStart.plus(-1)).value());
 }
 
+TEST_F(History, GivesBackTheReadingsOfAFewKeysAlone) {
+    {
+        const auto to = writer();
+        for (int i = 0; i < 4; ++i)
+            to->append(kRoof, std::nullopt, kStart.plus(i * kMinute),
+                       Readings::make({AgentProperty::number("outsideTemp", i, kStart),
+                                       AgentProperty::text("sky", i < 2 ? "Fog" : "Rain", kStart),
+                                       AgentProperty::number("windSpeed", i * 2, kStart)}));
+        to->append(kRoof, std::nullopt, kStart.plus(4 * kMinute), batch(4));  // under another layout
+    }
+    const auto from = reader();
+    const auto source = from->sourceOf(kRoof, {.since = kStart.plus(kMinute)}, {"sky", "windSpeed"});
+    ASSERT_TRUE(source);
+    std::vector<std::string> found;
+    for (auto next = source.value()->next(); next && next.value(); next = source.value()->next())
+        found.push_back(next.value()->readings->description());
+    EXPECT_THAT(found, ElementsAre("{sky = Fog, windSpeed = 2}", "{sky = Rain, windSpeed = 4}",
+                                   "{sky = Rain, windSpeed = 6}", "{}"));
+}
+
 TEST_F(History, KeepsTheOrderOfArrivalWhenTheClockIsSetBack) {
     {
         const auto to = writer();

@@ -93,8 +93,9 @@ class SiteFile {
     /// "vigil/home.vigilsite" below $XDG_DATA_HOME, else below ~/.local/share.
     static std::string defaultFile();
 
-    /// Makes an empty site, and the folders above it. A file that is there already is an error and stays.
-    static Result<Done> create(const std::string& path);
+    /// Makes a site of those stations, and the folders above it. A file that is there already is an error and
+    /// stays. The site is there whole, and on the disk, or not at all.
+    static Result<Done> create(const std::string& path, const std::vector<StationRecord>& stations = {});
 
     /// Writing takes the lock beside the file for as long as this object lives, brings an older version up to
     /// date, and checks a file that was not closed cleanly. So does editing where the lock is free; where

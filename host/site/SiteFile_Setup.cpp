@@ -94,12 +94,7 @@ Result<std::optional<PlugInRecord>> SiteFile::plugInTitled(std::string_view titl
 Result<RecordId> SiteFile::addStation(const StationRecord& station) {
     if (station.name.empty()) return kNameless;
     return changed<RecordId>(*this, *m_database, takenName(station), [&](SQLite::Database& database) {
-        SQLite::Statement insert(database, "INSERT INTO stations VALUES (?, ?, ?, ?, ?, ?)");
-        StationRecord fresh = station;
-        fresh.id = 0;
-        bindStation(insert, fresh);
-        insert.exec();
-        return Result<RecordId>(database.getLastInsertRowid());
+        return Result<RecordId>(insertStation(database, station));
     });
 }
 

@@ -142,6 +142,15 @@ EffectRecord readEffect(SQLite::Statement& row) {
             .handOver = row.getColumn(16).getString()};
 }
 
+RecordId insertStation(SQLite::Database& database, const StationRecord& station) {
+    SQLite::Statement insert(database, "INSERT INTO stations VALUES (?, ?, ?, ?, ?, ?)");
+    StationRecord fresh = station;
+    fresh.id = 0;
+    bindStation(insert, fresh);
+    insert.exec();
+    return database.getLastInsertRowid();
+}
+
 void bindStation(SQLite::Statement& to, const StationRecord& station) {
     bindId(to, 1, station.id);
     to.bind(2, station.name);

@@ -41,6 +41,9 @@ PlugInRecord readPlugIn(SQLite::Statement& row);
 FireRecord readFire(SQLite::Statement& row);
 EffectRecord readEffect(SQLite::Statement& row);
 
+/// As a new row, whatever its id; gives the one that it got.
+RecordId insertStation(SQLite::Database& database, const StationRecord& station);
+
 /// All columns in their order, from the first parameter on; an id of 0 as none.
 void bindStation(SQLite::Statement& to, const StationRecord& station);
 void bindPlugIn(SQLite::Statement& to, const PlugInRecord& plugIn);

@@ -81,11 +81,12 @@ void SiteWriter::take(Write write) {
 }
 
 std::string SiteWriter::refusal(const Write& write) {
-    if (m_stopping) return "nothing is written any more";
+    // What follows from a write that was still committed belongs to it.
+    if (m_stopping && std::this_thread::get_id() != m_writing) return "nothing is written any more";
     if (m_state.waiting >= m_options.writes || m_bytes + write.bytes > m_options.bytes)
         return std::to_string(m_state.waiting) + " writes wait already" +
                (m_state.well ? "" : " (" + m_state.words + ")");
-    if (m_thread.joinable()) return {};
+    if (m_stopping || m_thread.joinable()) return {};
     try {
         m_thread = std::thread([this] { run(); });
     } catch (const std::system_error& failure) {

@@ -85,8 +85,9 @@ class SiteWriter {
 
     SiteWriterState state() const;
 
-    /// Commits what waits and joins the thread; what a failing disk does not take in one more attempt is
-    /// lost, and `state` says so. Later writes are refused. The owner's thread.
+    /// Commits what waits, with what is written from within `Committed` meanwhile, and joins the thread; what
+    /// a failing disk does not take in one more attempt is lost, and `state` says so. Later writes are
+    /// refused. The owner's thread.
     void stop();
 
   private:
@@ -130,6 +131,7 @@ class SiteWriter {
     std::size_t m_bytes = 0;  // of all that waits
     bool m_stopping = false;
     std::thread m_thread;
+    std::thread::id m_writing{};  // the thread's, once it runs
 };
 
 }  // namespace vigil

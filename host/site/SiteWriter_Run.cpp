@@ -33,6 +33,7 @@ struct SiteWriter::Work {
 void SiteWriter::run() {
     Work work;
     std::unique_lock lock(m_mutex);
+    m_writing = std::this_thread::get_id();
     for (;;) {
         const auto due = [this] { return m_stopping || !m_queue.empty(); };
         if (work.writes.empty())
@@ -50,7 +51,9 @@ void SiteWriter::run() {
             lock.lock();
             note(work, last);
         }
-        if (last) return;
+        if (!last || !m_queue.empty()) continue;
+        m_writing = {};  // another thread may get the same id
+        return;
     }
 }
 

@@ -75,13 +75,13 @@ zpty -w typed "fpath=($1 \$fpath); autoload -U compinit; compinit -u -D; setopt 
 zpty -w typed 'tell() { zle complete-word; print -r -- "<$BUFFER>" >$OUT; zle send-break }; zle -N tell; bindkey "^T" tell'
 zpty -w typed "OUT=$3"
 zpty -w -n typed "$2"$'\C-t'
-for _ in {1..100}; do [[ -s $3 ]] && break; sleep 0.1; done
+for _ in {1..500}; do [[ -s $3 ]] && break; sleep 0.1; done
 zpty -d typed
 END
 # in_zsh LINE WANTED: the line once the tabulator was pressed.
 in_zsh() {
     rm -f "$work/told"
-    timeout 30 zsh -f "$work/zsh_asks" "$pages/zsh" "$1" "$work/told" || true
+    timeout 60 zsh -f "$work/zsh_asks" "$pages/zsh" "$1" "$work/told" || true
     [[ $(cat "$work/told" 2>/dev/null) == "<$2>" ]] || wrong "zsh at '$1': '$(cat "$work/told" 2>/dev/null)'"
 }
 in_zsh "vigil mon" "vigil monitor "

@@ -44,7 +44,7 @@ TEST_F(Exec, BringsEachLineOfAProgramThatGoesOnForEver) {
     EXPECT_EQ(sink->messages()[0].route, "");
     EXPECT_LT(std::abs(sink->messages()[0].arrived.secondsSince(now())), 60);
     EXPECT_EQ(sink->lastState().kind, FeedState::Live);
-    EXPECT_LT(timeOf([&] { feeds().remove("Home"); }), milliseconds(1000));
+    EXPECT_LT(timeOf([&] { feeds().remove("Home"); }), kSoon);
     const auto calls = sink->calls();
     sleepFor(80);
     EXPECT_EQ(sink->calls(), calls) << "the sink hears nothing after it has been removed";
@@ -99,7 +99,7 @@ TEST_F(Exec, AProgramThatDoesNotHeedTheRequestIsKilledWithWhatItStarted) {
     const auto sink = add("Home", "exec:./stubborn.sh");
     ASSERT_TRUE(sink->waitForMessages(1));
     ASSERT_TRUE(isThere("own"));
-    EXPECT_LT(timeOf([&] { feeds().remove("Home"); }), milliseconds(1000));
+    EXPECT_LT(timeOf([&] { feeds().remove("Home"); }), kSoon);
     EXPECT_TRUE(isGone(std::stoi(text("own"))));
     EXPECT_TRUE(isGone(std::stoi(text("child"))));
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "it has been waited for";
@@ -186,7 +186,7 @@ TEST_F(Exec, OneThreadServesManyPrograms) {
         EXPECT_EQ(sinks[static_cast<std::size_t>(i)]->payloads()[0], std::to_string(i));
     }
     EXPECT_EQ(threadsNamed("feed-streams"), 1);
-    EXPECT_LT(timeOf([&] { feeds().stop(); }), milliseconds(1000));
+    EXPECT_LT(timeOf([&] { feeds().stop(); }), kSoon);
 }
 
 TEST_F(Exec, TheRealReceiverProgramBringsAWeatherLineAndIsStartedAgain) {

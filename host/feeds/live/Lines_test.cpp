@@ -113,7 +113,7 @@ TEST_F(Lines, APipeWithANameGoesOnWhenItsWriterGoes) {
     append("pipe", "from another\n");
     ASSERT_TRUE(sink->waitForMessages(2));
     EXPECT_EQ(sink->payloads(), (Texts{"from one", "from another"}));
-    EXPECT_LT(timeOf([&] { feeds().remove("Home"); }), milliseconds(1000));
+    EXPECT_LT(timeOf([&] { feeds().remove("Home"); }), kSoon);
 }
 
 TEST_F(Lines, StandardInputIsReadToItsEndAndForOneStation) {
@@ -147,7 +147,7 @@ TEST_F(Lines, StandardInputThatSaysNothingHoldsUpNobody) {
     write("log", "one\n");
     const auto sink = follow("?from=start");
     EXPECT_TRUE(sink->waitForMessages(1));
-    EXPECT_LT(timeOf([&] { feeds().stop(); }), milliseconds(1000));
+    EXPECT_LT(timeOf([&] { feeds().stop(); }), kSoon);
     ::dup2(before.get(), 0);
 }
 

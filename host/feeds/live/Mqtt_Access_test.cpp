@@ -70,7 +70,7 @@ TEST_F(MqttAccess, TrustsTheCertificatesOfAFile) {
     ASSERT_TRUE(sink->waitForState(FeedState::Retrying));
     m_broker->start();
     EXPECT_TRUE(sink->waitForState(FeedState::Live));
-    EXPECT_LT(timeOf([&] { feeds().stop(); }), milliseconds(1000));
+    EXPECT_LT(timeOf([&] { feeds().stop(); }), kSoon);
 }
 
 TEST_F(MqttAccess, TrustsTheCertificatesOfTheSystemWhereNoFileIsNamed) {
@@ -113,14 +113,14 @@ TEST_F(MqttAccess, AnAnswerThatNeverComesIsNotWaitedForForEver) {
     EXPECT_NE(sink->lastState().words.find("no answer within 300 ms"), std::string::npos);
     const auto secure = add("Secure", "mqtts://127.0.0.1:" + std::to_string(portOf(silent)) + "/a");
     EXPECT_TRUE(secure->waitForState(FeedState::Retrying));
-    EXPECT_LT(timeOf([&] { feeds().stop(); }), milliseconds(1000));
+    EXPECT_LT(timeOf([&] { feeds().stop(); }), kSoon);
 }
 
 TEST_F(MqttAccess, ANameThatNobodyKnowsIsTriedAgain) {
     const auto sink = add("Home", "mqtt://no-such-host.invalid/a");
     ASSERT_TRUE(sink->waitForState(FeedState::Retrying));
     EXPECT_NE(sink->lastState().words.find("the broker at no-such-host.invalid:1883: "), std::string::npos);
-    EXPECT_LT(timeOf([&] { feeds().stop(); }), milliseconds(1000));
+    EXPECT_LT(timeOf([&] { feeds().stop(); }), kSoon);
 }
 
 // A broker of a few lines, since the real one allows every topic.

@@ -21,7 +21,7 @@ TEST_F(Recordings, ASimulationShowsLifeAtOnceAndThenASecond) {
     ASSERT_TRUE(sink->waitForMessages(1));
     const auto took = timeOf([&] { ASSERT_TRUE(sink->waitForMessages(3)); });
     EXPECT_GE(took, milliseconds(1800));
-    EXPECT_LT(took, milliseconds(4000));
+    EXPECT_LT(took, milliseconds(10000));
     const RawMessage first = sink->messages()[0];
     EXPECT_TRUE(first.payload.empty());
     EXPECT_EQ(first.route, "Sea");
@@ -66,11 +66,11 @@ TEST_F(Recordings, AFileIsReplayedSixtyTimesAsFastAndAsIfItWereNow) {
     ASSERT_EQ(sink->count(), 3U);
     const double took = sink->messages()[2].arrived.secondsSince(sink->messages()[0].arrived);
     EXPECT_GT(took, 1.9);
-    EXPECT_LT(took, 4);
+    EXPECT_LT(took, 10) << "not the two minutes that the file tells of";
     EXPECT_EQ(sink->messages()[2].ready->objectForKey("outsideTemp")->value(), 3.5);
     for (const RawMessage& message : sink->messages()) {
         EXPECT_GE(timeOfFirst(message), began);
-        EXPECT_LT(std::abs(timeOfFirst(message).secondsSince(message.arrived)), 1);
+        EXPECT_LT(std::abs(timeOfFirst(message).secondsSince(message.arrived)), 10);
     }
     for (std::size_t i = 0; i < 3; ++i)
         EXPECT_EQ(sink->messages()[i].recorded->isoText(), "2013-01-01T06:0" + std::to_string(i) + ":00Z");
@@ -137,7 +137,7 @@ TEST_F(Recordings, OneThreadPacesManyStationsAndSleepsBetween) {
     for (const auto& sink : sinks)
         ASSERT_TRUE(sink->waitForMessages(2));
     EXPECT_EQ(threadsNamed("feed-recordings"), 1);
-    EXPECT_LT(timeOf([&] { feeds().stop(); }), milliseconds(1000));
+    EXPECT_LT(timeOf([&] { feeds().stop(); }), kSoon);
     const auto calls = sinks[0]->calls();
     const auto before = processorTime();
     sleepFor(200);

@@ -97,6 +97,9 @@ class LiveBench : public testing::Test {
         return feeds().add(station, parsed.value(), std::move(sink));
     }
 
+    /// What waits for nobody else is done by then, however busy the machine is.
+    static constexpr std::chrono::milliseconds kSoon{5000};
+
     /// How long it takes.
     static std::chrono::milliseconds timeOf(const std::function<void()>& work) {
         const auto began = std::chrono::steady_clock::now();
