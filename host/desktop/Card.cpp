@@ -14,20 +14,20 @@ constexpr int kWords = Qt::UserRole + 2;
 constexpr int kMood = Qt::UserRole + 3;
 constexpr int kMargin = 10;
 
-QColor moodColour(Mood mood) {
+QColor Theme::*moodColour(Mood mood) {
     switch (mood) {
         case Mood::Good:
-            return theme().good;
+            return &Theme::good;
         case Mood::Accent:
-            return theme().accent;
+            return &Theme::accent;
         case Mood::Warn:
-            return theme().warn;
+            return &Theme::warn;
         case Mood::Bad:
-            return theme().bad;
+            return &Theme::bad;
         case Mood::Calm:
             break;
     }
-    return theme().muted;
+    return &Theme::muted;
 }
 
 const char* moodSign(Mood mood) {
@@ -74,10 +74,10 @@ class CardDelegate : public QStyledItemDelegate {
         painter.setFont(font);
         const QRectF below(box.left(), box.top() + box.height() / 2, box.width(), box.height() / 2);
         const int sign = line - 3;
-        const QPixmap pixmap = iconPixmap(QLatin1String(moodSign(mood)), sign, moodColour(mood),
-                                          painter.device()->devicePixelRatioF());
+        const QPixmap pixmap = icon(QLatin1String(moodSign(mood)), moodColour(mood))
+                                   .pixmap(QSize(sign, sign), painter.device()->devicePixelRatioF());
         painter.drawPixmap(QPointF(below.left(), below.center().y() - sign / 2.0), pixmap);
-        painter.setPen(moodColour(mood));
+        painter.setPen(theme().*moodColour(mood));
         const QRectF words = below.adjusted(sign + 6, 0, 0, 0);
         painter.drawText(words, Qt::AlignVCenter,
                          QFontMetrics(font).elidedText(index.data(kWords).toString(), Qt::ElideRight,
@@ -159,6 +159,14 @@ void CardList::setCards(const std::vector<Card>& cards) {
     m_filling = false;
     fit();
     if (chosen() != before && onChosen) onChosen(chosen());
+}
+
+void CardList::paintEvent(QPaintEvent* event) {
+    QListView::paintEvent(event);
+    if (m_model.rowCount() > 0) return;
+    QPainter painter(viewport());
+    painter.setPen(theme().muted);
+    painter.drawText(viewport()->rect().adjusted(0, 4, 0, 0), Qt::AlignLeft | Qt::AlignTop, m_none);
 }
 
 void CardList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {

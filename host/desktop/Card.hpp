@@ -31,11 +31,14 @@ class CardList : public QListView {
     void choose(RecordId id);
     /// Grows with its cards up to so many of them; 0: as the layout says.
     void setMostShown(int cards);
+    /// What stands where there is no card.
+    void setNone(const QString& words) { m_none = words; }
     /// Called when another one is chosen; 0 for none.
     std::function<void(RecordId)> onChosen;
     std::function<void(RecordId)> onActivated;
 
   protected:
+    void paintEvent(QPaintEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
   private:
@@ -44,6 +47,7 @@ class CardList : public QListView {
     void fit();
 
     QStandardItemModel m_model;
+    QString m_none;
     int m_mostShown = 0;
     bool m_filling = false;
 };

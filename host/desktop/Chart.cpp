@@ -12,7 +12,8 @@ namespace {
 
 /// Readings that are drawn, each in a panel; a condition of more shows the first ones.
 constexpr std::size_t kPanels = 4;
-constexpr double kTop = 6, kGap = 10, kLeft = 52, kRight = 64, kStrip = 24, kTimes = 22;
+/// Above each panel stands the name of its reading.
+constexpr double kTop = 20, kGap = 24, kLeft = 52, kRight = 64, kStrip = 24, kTimes = 22;
 constexpr double kPanelHeight = 96;
 
 // The parser bounds the depth.
@@ -58,7 +59,7 @@ Chart::Chart(QWidget* parent) : QWidget(parent) {
 
 QSize Chart::sizeHint() const {
     const double panels = static_cast<double>(std::max<std::size_t>(1, m_panels.size()));
-    return {600, static_cast<int>(kTop + panels * (kPanelHeight + kGap) + kStrip + kTimes)};
+    return {600, static_cast<int>(kTop + panels * (kPanelHeight + kGap) - kGap + kStrip + kTimes)};
 }
 
 void Chart::setCondition(std::shared_ptr<ConditionPredicate> condition, ScanRule rule) {

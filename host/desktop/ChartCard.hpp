@@ -3,11 +3,15 @@
 #include <QComboBox>
 #include <QFrame>
 #include <QLabel>
+#include <atomic>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "host/desktop/Background.hpp"
 #include "host/desktop/Chart.hpp"
+#include "host/desktop/ChartHistory.hpp"
 #include "host/site/SiteRecords.hpp"
 
 namespace vigil {
@@ -23,11 +27,19 @@ class ChartCard : public QFrame {
     Chart& chart() { return *m_chart; }
 
   private:
-    struct Block;
+    /// Which columns there are, or are being read.
+    struct Wanted {
+        std::vector<std::string> keys, texts;
+        bool operator==(const Wanted&) const = default;
+    };
+
     double span() const;
     double shownSpan() const;
-    void load(double from);
-    void take(const Block& block);
+    static Wanted wantedBy(const ConditionPredicate* condition);
+    void loadAll();
+    void load(double from, bool itself);
+    void take(std::uint64_t turn, bool all, ChartRows& rows);
+    void progress(std::uint64_t turn, double share);
     void tell();
 
     const std::string m_siteFile;
@@ -36,13 +48,16 @@ class ChartCard : public QFrame {
     QComboBox* m_spans;
     QLabel* m_words;
     std::shared_ptr<Columns> m_columns = std::make_shared<Columns>();
-    std::vector<std::string> m_keys;
+    Wanted m_wanted;
     double m_from = 0;   // what the columns reach back to, in seconds since 2001
     double m_asked = 0;  // when the history was last asked
     Date m_now;
     bool m_loading = false;
-    std::uint64_t m_turn = 0;  // of the columns; a block of another one is dropped
-    Background m_background;   // last: its thread uses the others
+    std::optional<double> m_share;  // of a long reading
+    std::uint64_t m_turn = 0;       // of the columns; what was read for another one is dropped
+    // The same for the thread that reads.
+    std::shared_ptr<std::atomic<std::uint64_t>> m_readTurn = std::make_shared<std::atomic<std::uint64_t>>(0);
+    Background m_background;  // last: it waits for what is being read
 };
 
 }  // namespace vigil

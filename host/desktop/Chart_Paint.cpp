@@ -62,10 +62,10 @@ void Chart::paintHeld(QPainter& painter) const {
     for (const Stretch& stretch : m_result.held) {
         if (stretch.to < m_now - m_span) continue;
         const double from = std::max(painted, xOf(stretch.from));
-        const double to = std::min(first.right(), std::max(xOf(stretch.to), xOf(stretch.from) + 1));
+        const double to = std::min(first.right(), std::max(xOf(stretch.to), xOf(stretch.from) + 2));
         if (to <= from) continue;
         painter.drawRect(QRectF(from, first.top(), to - from, last.bottom() - first.top()));
-        painted = to;  // stretches of less than a pixel are drawn once
+        painted = to;  // stretches of less than two pixels are drawn once
     }
 }
 
@@ -96,12 +96,8 @@ void Chart::paintPanel(QPainter& painter, std::size_t index) const {
     const QString unit =
         column && !column->unit.empty() ? QStringLiteral(" (%1)").arg(qt(column->unit)) : QString();
     const QString name = qt(column ? column->name : panel.key) + unit;
-    const double wide = painter.fontMetrics().horizontalAdvance(name) + 10;
-    QColor ground = theme().card;
-    ground.setAlphaF(0.85f);
-    painter.fillRect(QRectF(box.left() + 4, box.top() + 3, wide, 18), ground);
     painter.setPen(theme().series[index % std::size(theme().series)]);
-    painter.drawText(QRectF(box.left() + 9, box.top() + 3, wide, 18), Qt::AlignVCenter, name);
+    painter.drawText(QRectF(box.left(), box.top() - 19, box.width(), 18), Qt::AlignVCenter, name);
 }
 
 // Of the rows that share a pixel the lowest and the highest value are drawn. Strokes with soft edges cost by

@@ -61,7 +61,8 @@ void answerTexts(Flags& answers, const Column& column, ComparisonOperator op, co
 
 Leaf leafOf(const Columns& columns, const Comparison& comparison) {
     Leaf leaf{&comparison, columns.column(comparison.key), {}, comparison.op == ComparisonOperator::NotEqual};
-    if (!leaf.column)
+    const bool isText = std::holds_alternative<std::string>(comparison.literal);
+    if (!leaf.column || (isText && !leaf.column->hasTexts))
         leaf.answers.assign(columns.rows(), leaf.withoutValue ? 1 : 0);
     else if (const auto* text = std::get_if<std::string>(&comparison.literal))
         answerTexts(leaf.answers, *leaf.column, comparison.op, *text);

@@ -29,7 +29,7 @@ struct ScanResult {
 
 /// When a fresh monitor with that condition would have fired over the columns, had its actions taken no time:
 /// the same fires as the monitor's own module tells in a replay. Keys that are not among the columns are not
-/// there. Any thread.
+/// there, nor are texts that the columns do not keep. Any thread.
 ScanResult scan(const Columns& columns, const ConditionNode& condition, const ScanRule& rule);
 
 /// The seconds of a wait.

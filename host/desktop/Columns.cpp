@@ -10,10 +10,11 @@ constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 }  // namespace
 
-Columns::Columns(std::vector<std::string> keys, bool texts) : m_texts(texts) {
+Columns::Columns(std::vector<std::string> keys, const std::vector<std::string>& texts) {
     for (std::string& key : keys) {
         Column column;
         column.name = key;
+        column.hasTexts = std::find(texts.begin(), texts.end(), key) != texts.end();
         column.key = std::move(key);
         m_columns.push_back(std::move(column));
     }
@@ -35,7 +36,7 @@ void Columns::append(Date when, const Readings& readings) {
         column.unitValue.push_back(reading ? reading->unitValue() : kNone);
         column.value.push_back(reading ? reading->value() : kNone);
         column.time.push_back(reading && reading->time() ? reading->time()->secondsSinceReference() : kNone);
-        if (m_texts) appendText(column, reading);
+        if (column.hasTexts) appendText(column, reading);
         if (!reading) continue;
         if (!reading->name().empty()) column.name = reading->name();
         column.unit = reading->unit();

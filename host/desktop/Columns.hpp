@@ -22,13 +22,15 @@ class Columns {
         std::vector<double> unitValue;    ///< NaN where it was not there
         std::vector<double> value;        ///< the same
         std::vector<double> time;         ///< the reading's own, in seconds since 2001; NaN where it has none
+        bool hasTexts = false;            ///< whether the texts of its readings are kept
         std::vector<std::int32_t> text;   ///< its place in `texts`; -1 where it was not there
         std::vector<std::string> texts;   ///< each once
         std::unordered_map<std::string, std::int32_t> places;
     };
 
-    /// `texts` says whether the texts of readings are kept too.
-    explicit Columns(std::vector<std::string> keys = {}, bool texts = false);
+    /// Of the keys in `texts` the texts are kept too. To print a number costs more than all the rest, and
+    /// each may be another, so that is for those whose texts somebody looks at.
+    explicit Columns(std::vector<std::string> keys = {}, const std::vector<std::string>& texts = {});
 
     /// Of a key that comes twice the last counts.
     void append(Date when, const Readings& readings);
@@ -41,12 +43,10 @@ class Columns {
     const std::vector<Column>& columns() const { return m_columns; }
     /// Nothing where the key is none of them.
     const Column* column(const std::string& key) const;
-    bool hasTexts() const { return m_texts; }
 
   private:
-    void appendText(Column& column, const AgentProperty* reading);
+    static void appendText(Column& column, const AgentProperty* reading);
 
-    bool m_texts;
     std::vector<double> m_times;
     std::vector<Column> m_columns;
 };

@@ -78,7 +78,8 @@ void ConditionRow::makeGroup(QHBoxLayout& line) {
 void ConditionRow::makeComparison(QHBoxLayout& line) {
     m_mark = new QLabel(this);
     m_mark->setObjectName(QStringLiteral("verdict"));
-    m_mark->setFixedSize(20, 20);
+    const int side = fontMetrics().height() + 4;
+    m_mark->setFixedSize(side, side);
     line.addWidget(m_mark);
     m_popUps[0]->setObjectName(QStringLiteral("reading"));
     nameBox(*m_popUps[0], say("Reading"));
@@ -140,8 +141,8 @@ void ConditionRow::judge(const Readings& readings, Date now) {
         const QColor colour = verdict.kind == RowVerdict::Holds         ? theme().good
                               : verdict.kind == RowVerdict::DoesNotHold ? theme().muted
                                                                         : theme().warn;
-        m_mark->setPixmap(
-            iconPixmap(QLatin1String(verdictIcon(verdict.kind)), 20, colour, devicePixelRatioF()));
+        m_mark->setPixmap(iconPixmap(QLatin1String(verdictIcon(verdict.kind)), m_mark->width(), colour,
+                                     devicePixelRatioF()));
         m_mark->setToolTip(verdictWords(verdict.kind));
         m_mark->setAccessibleName(verdictWords(verdict.kind));
         m_shown = verdict.kind;
@@ -181,6 +182,12 @@ void ConditionRow::fitReading() {
 void ConditionRow::resizeEvent(QResizeEvent* event) {
     QFrame::resizeEvent(event);
     fitReading();
+}
+
+// The sign is drawn anew in the colours of another theme.
+void ConditionRow::changeEvent(QEvent* event) {
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::StyleChange) m_judged = false;
 }
 
 void ConditionRow::paintEvent(QPaintEvent* event) {

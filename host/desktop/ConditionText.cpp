@@ -46,7 +46,8 @@ ConditionText::ConditionText(QWidget* parent) : QWidget(parent) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(4);
-    const QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    mono.setPointSizeF(font().pointSizeF() * 0.94);
     m_text = new QPlainTextEdit(this);
     m_text->setObjectName(QStringLiteral("conditionText"));
     m_text->setAccessibleName(say("The whole condition as text"));

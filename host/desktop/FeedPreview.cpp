@@ -70,10 +70,8 @@ void FeedPreview::listen(const std::string& feed, bool usUnits) {
         m_ear.reset();
         const auto url = FeedUrl::parse(feed);
         if (feed.empty() || !url) return;
-        const auto secret = [](const std::string& name) -> std::optional<std::string> {
-            auto found = Secrets(Secrets::defaultFile()).named(name);
-            return found ? std::move(found).value() : std::nullopt;
-        };
+        const auto secret =
+            userSecrets([heard = m_heard](const std::string& why) { heard.words(why, /*bad=*/true); });
         m_ear =
             std::shared_ptr<Ear>(new Ear{std::make_shared<Sink>(url.value(), usUnits, m_heard),
                                          Feeds({.clock = systemNow, .folder = m_folder, .secret = secret})});

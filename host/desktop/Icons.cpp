@@ -1,21 +1,84 @@
 #include "host/desktop/Icons.hpp"
 
 #include <QFile>
-#include <QHash>
+#include <QIconEngine>
 #include <QPainter>
+#include <QPixmapCache>
 #include <QSvgRenderer>
-
-#include "host/desktop/Theme.hpp"
+#include <algorithm>
 
 namespace vigil {
 namespace {
 
-QHash<QString, QIcon> g_icons;  // main thread
+QString fileOf(const QString& name) {
+    return QStringLiteral(":/icons/%1.svg").arg(name);
+}
+
+/// What is drawn anew for each size; `size` is in pixels of the device.
+class DrawnIcon : public QIconEngine {
+  public:
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+        const double ratio = painter->device()->devicePixelRatioF();
+        painter->drawPixmap(rect, pixmap((QSizeF(rect.size()) * ratio).toSize(), mode, state));
+    }
+    // A desktop that shows pictures of its own sizes, such as a tray, takes one of these.
+    QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
+        return {{16, 16}, {22, 22}, {24, 24}, {32, 32}, {48, 48}, {64, 64}};
+    }
+};
+
+/// Its colour is looked up as late as it is drawn, so that a change of the theme reaches whoever holds one.
+class LineIcon : public DrawnIcon {
+  public:
+    LineIcon(QString name, QColor Theme::*colour) : m_name(std::move(name)), m_colour(colour) {}
+    QIconEngine* clone() const override { return new LineIcon(*this); }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
+        const QColor colour = mode == QIcon::Disabled ? theme().muted : theme().*m_colour;
+        const int side = std::min(size.width(), size.height());
+        const QString key = QStringLiteral("vigil/%1/%2/%3x%4")
+                                .arg(m_name, colour.name())
+                                .arg(size.width())
+                                .arg(size.height());
+        if (side <= 0) return {};
+        QPixmap made;
+        if (QPixmapCache::find(key, &made)) return made;
+        made = QPixmap(size);
+        made.fill(Qt::transparent);
+        QPainter painter(&made);
+        painter.drawPixmap((size.width() - side) / 2, (size.height() - side) / 2,
+                           iconPixmap(m_name, side, colour, 1));
+        painter.end();
+        QPixmapCache::insert(key, made);
+        return made;
+    }
+
+  private:
+    const QString m_name;
+    QColor Theme::*const m_colour;
+};
+
+class LeadingIcon : public DrawnIcon {
+  public:
+    explicit LeadingIcon(QIcon picture) : m_picture(std::move(picture)) {}
+    QIconEngine* clone() const override { return new LeadingIcon(*this); }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        if (size.isEmpty()) return {};
+        QPixmap wide(size);
+        wide.fill(Qt::transparent);
+        QPainter painter(&wide);
+        const int side = std::min(size.width(), size.height());
+        m_picture.paint(&painter, 0, (size.height() - side) / 2, side, side, Qt::AlignCenter, mode, state);
+        return wide;
+    }
+
+  private:
+    const QIcon m_picture;
+};
 
 }  // namespace
 
 QPixmap iconPixmap(const QString& name, int size, const QColor& colour, double ratio) {
-    QFile file(QStringLiteral(":/icons/%1.svg").arg(name));
+    QFile file(fileOf(name));
     if (!file.open(QIODevice::ReadOnly)) return {};
     QByteArray svg = file.readAll();
     svg.replace("currentColor", colour.name().toUtf8());
@@ -29,41 +92,12 @@ QPixmap iconPixmap(const QString& name, int size, const QColor& colour, double r
     return pixmap;
 }
 
-QIcon icon(const QString& name, const QColor& wanted) {
-    const QColor colour = wanted.isValid() ? wanted : theme().text;
-    const QString key = name + colour.name();
-    if (const auto found = g_icons.constFind(key); found != g_icons.constEnd()) return *found;
-    QIcon made;
-    for (const int size : {16, 20, 24, 32})
-        for (const double ratio : {1.0, 1.5, 2.0}) {
-            const QPixmap pixmap = iconPixmap(name, size, colour, ratio);
-            if (pixmap.isNull()) return {};
-            made.addPixmap(pixmap);
-            made.addPixmap(iconPixmap(name, size, theme().muted, ratio), QIcon::Disabled);
-        }
-    g_icons.insert(key, made);
-    return made;
+QIcon icon(const QString& name, QColor Theme::*colour) {
+    return QFile::exists(fileOf(name)) ? QIcon(new LineIcon(name, colour)) : QIcon();
 }
 
 QIcon leadingIcon(const QIcon& picture) {
-    QIcon made;
-    for (const double ratio : {1.0, 1.5, 2.0})
-        for (const auto mode : {QIcon::Normal, QIcon::Disabled}) {
-            QPixmap wide(QSizeF(26 * ratio, 20 * ratio).toSize());
-            wide.fill(Qt::transparent);
-            QPainter painter(&wide);
-            painter.drawPixmap(QRectF(0, 0, 20 * ratio, 20 * ratio),
-                               picture.pixmap(QSize(20, 20), ratio, mode),
-                               QRectF(QPointF(), QSizeF(picture.pixmap(QSize(20, 20), ratio, mode).size())));
-            painter.end();
-            wide.setDevicePixelRatio(ratio);
-            made.addPixmap(wide, mode);
-        }
-    return made;
-}
-
-void forgetIcons() {
-    g_icons.clear();
+    return QIcon(new LeadingIcon(picture));
 }
 
 }  // namespace vigil

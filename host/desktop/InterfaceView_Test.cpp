@@ -77,8 +77,7 @@ void InterfaceView::showTested(const std::vector<EffectRecord>& effects) {
             continue;
         }
         next = found + 1;
-        m_actions->rowAt(row)->setResult(resultWords(*found),
-                                         found->state == EffectRecord::Ended && found->result != "succeeded");
+        m_actions->rowAt(row)->setResult(resultWords(*found), isFailure(*found));
     }
 }
 
@@ -90,9 +89,7 @@ void InterfaceView::testRow(std::int64_t row) {
     const auto tell = [view = QPointer<InterfaceView>(this),
                        shown](const std::optional<EffectRecord>& effect) {
         if (view) view->setTesting(false);
-        const bool failed =
-            !effect || (effect->state == EffectRecord::Ended && effect->result != "succeeded");
-        if (shown) shown->setResult(resultWords(effect), failed);
+        if (shown) shown->setResult(resultWords(effect), !effect || isFailure(*effect));
     };
     if (!m_session.testRow(m_id, m_actions->editor(), row, tell)) setTesting(false);
 }

@@ -1,5 +1,6 @@
 #include "host/desktop/LedgerView.hpp"
 
+#include <QEvent>
 #include <QHeaderView>
 #include <QVBoxLayout>
 
@@ -12,12 +13,17 @@ namespace vigil {
 
 LedgerView::LedgerView(QWidget* parent) : QWidget(parent) {
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(12, 8, 12, 12);
-    column->setSpacing(8);
+    // What stands in a table keeps a distance of its own, so that all of it begins at one edge.
+    column->setContentsMargins(5, 6, 5, 6);
+    column->setSpacing(4);
     m_failed = new QCheckBox(say("Failures only"), this);
-    column->addWidget(m_failed);
+    auto* line = new QHBoxLayout;
+    line->setContentsMargins(6, 0, 6, 0);
+    line->addWidget(m_failed);
+    column->addLayout(line);
     m_list = new QTreeWidget(this);
     m_list->setColumnCount(5);
+    m_list->setMinimumHeight(4 * fontMetrics().height());
     m_list->setHeaderLabels({say("When"), say("Monitor"), say("Action"), say("Result"), say("Detail")});
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
@@ -28,6 +34,12 @@ LedgerView::LedgerView(QWidget* parent) : QWidget(parent) {
     connect(m_failed, &QCheckBox::toggled, this, [this] {
         if (onAsk) onAsk();
     });
+}
+
+// The colours of failures are the theme's.
+void LedgerView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::StyleChange && onAsk) onAsk();
 }
 
 EffectQuery LedgerView::query() const {
@@ -46,8 +58,8 @@ void LedgerView::show(const std::vector<EffectRecord>& effects, Date now) {
                                  qt(effect->title) + (effect->fire == 0 ? say(" (test)") : QString()),
                                  qt(std::string(effectKindName(effect->kind)) + ": " + effect->what), result,
                                  qt(effect->detail).simplified()});
-        const bool good = !ended || effect->result == "succeeded";
-        item->setIcon(3, icon(QLatin1String(good ? "yes" : "warning"), good ? theme().good : theme().bad));
+        const bool good = !isFailure(*effect);
+        item->setIcon(3, icon(QLatin1String(good ? "yes" : "warning"), good ? &Theme::good : &Theme::bad));
         if (!good) item->setForeground(3, theme().bad);
         item->setToolTip(4, qt(effect->detail));
         m_list->addTopLevelItem(item);

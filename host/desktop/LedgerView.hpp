@@ -20,6 +20,9 @@ class LedgerView : public QWidget {
     /// Called when that changes.
     std::function<void()> onAsk;
 
+  protected:
+    void changeEvent(QEvent* event) override;
+
   private:
     QCheckBox* m_failed;
     QTreeWidget* m_list;

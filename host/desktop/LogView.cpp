@@ -1,8 +1,11 @@
 #include "host/desktop/LogView.hpp"
 
+#include <QAction>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include "host/desktop/Icons.hpp"
 #include "host/desktop/Theme.hpp"
 #include "host/desktop/ToolButton.hpp"
 #include "host/desktop/Words.hpp"
@@ -21,13 +24,23 @@ LogView::LogView(QWidget* parent) : QWidget(parent) {
     nameBox(*m_level, say("Level of the log"));
     m_words = new QLineEdit(this);
     m_words->setPlaceholderText(say("Lines that hold…"));
-    m_words->setClearButtonEnabled(true);
+    // The line's own button takes the desktop's theme of pictures into memory.
+    QAction* clear = m_words->addAction(icon(QStringLiteral("clear")), QLineEdit::TrailingPosition);
+    clear->setText(say("Clear the filter"));
+    clear->setVisible(false);
+    connect(clear, &QAction::triggered, m_words, &QLineEdit::clear);
     m_words->setAccessibleName(say("Filter of the log"));
     line->addWidget(m_level);
     line->addWidget(m_words, 1);
     column->addLayout(line);
+    m_lost = label({}, "error", this);
+    m_lost->setObjectName(QStringLiteral("lostLines"));
+    m_lost->setWordWrap(true);
+    m_lost->hide();
+    column->addWidget(m_lost);
     m_lines = new QPlainTextEdit(this);
     m_lines->setReadOnly(true);
+    m_lines->setMinimumHeight(2 * fontMetrics().height());
     m_lines->setMaximumBlockCount(static_cast<int>(kLogBookLines));
     m_lines->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_lines->setAccessibleName(say("Log"));
@@ -38,12 +51,30 @@ LogView::LogView(QWidget* parent) : QWidget(parent) {
         if (m_book) m_book->setHighestLevel(std::max(kLogNotice, index + 1));
         filter();
     });
-    connect(m_words, &QLineEdit::textChanged, this, [this] { filter(); });
+    connect(m_words, &QLineEdit::textChanged, this, [this, clear](const QString& words) {
+        clear->setVisible(!words.isEmpty());
+        filter();
+    });
 }
 
 void LogView::show(LogBook* book) {
     m_book = book;
     filter();
+}
+
+void LogView::showLost(std::uint64_t lines) {
+    m_lost->setVisible(lines > 0);
+    if (lines == 0) return;
+    m_lost->setText(lines == 1
+                        ? say("A line of the log could not be written outside the window; it stands here.")
+                        : say("%1 lines of the log could not be written outside the window; they stand here.")
+                              .arg(lines));
+}
+
+// The colours of lines are the theme's.
+void LogView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::StyleChange) filter();
 }
 
 bool LogView::passes(const LogBook::Line& line) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QWidget>
@@ -17,6 +18,11 @@ class LogView : public QWidget {
     void show(LogBook* book);
     /// Adds what is new.
     void refresh();
+    /// Says how many of the log's lines found no way out of the program.
+    void showLost(std::uint64_t lines);
+
+  protected:
+    void changeEvent(QEvent* event) override;
 
   private:
     void filter();
@@ -27,6 +33,7 @@ class LogView : public QWidget {
     std::uint64_t m_seen = 0;
     QComboBox* m_level;
     QLineEdit* m_words;
+    QLabel* m_lost;
     QPlainTextEdit* m_lines;
 };
 

@@ -22,11 +22,13 @@ MonitorPane::MonitorPane(SiteSession& session, RecordId plugIn, QWidget* parent)
     auto* scroll = new QScrollArea(this);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
-    auto* page = new QWidget;
+    auto* page = new QWidget(scroll);
     page->setProperty("plain", true);
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(18, 4, 18, 18);
     column->setSpacing(10);
+    // While it is empty: all that it holds would be given its style once more.
+    scroll->setWidget(page);
     if (HostedPlugIn* hosted = session.site().plugIn(plugIn)) m_plugIn = hosted->plugIn();
     auto view = InterfaceView::make(session, plugIn, page);
     if (view) {
@@ -39,7 +41,6 @@ MonitorPane::MonitorPane(SiteSession& session, RecordId plugIn, QWidget* parent)
         column->addWidget(wrong);
     }
     column->addStretch(1);
-    scroll->setWidget(page);
     outer->addWidget(scroll, 1);
 }
 

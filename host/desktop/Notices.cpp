@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QSettings>
+#include <QTimer>
 
 #include "host/desktop/Icons.hpp"
 #include "host/desktop/Words.hpp"
@@ -12,13 +13,20 @@ namespace {
 
 constexpr const char* kKey = "notify";
 constexpr int kShownMilliseconds = 10'000;
+/// Whether the desktop has a place for the icon is asked over its bus, and answered when it is; a window that
+/// begins has better things to do than to wait for that.
+constexpr int kTrayAfterMilliseconds = 1000;
 
 }  // namespace
 
 Notices::Notices(QObject* parent) : m_on(QSettings().value(QLatin1String(kKey), true).toBool()) {
+    QTimer::singleShot(kTrayAfterMilliseconds, parent, [this, parent] { makeTray(parent); });
+}
+
+void Notices::makeTray(QObject* parent) {
     if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
     m_tray = new QSystemTrayIcon(icon(QStringLiteral("vigil")), parent);
-    m_tray->setToolTip(say("Vigil: no alert yet"));
+    m_tray->setToolTip(m_words.isEmpty() ? say("Vigil: no alert yet") : QStringLiteral("Vigil: ") + m_words);
     QObject::connect(m_tray, &QSystemTrayIcon::activated, parent, [this] {
         if (onPressed) onPressed();
     });
@@ -39,9 +47,17 @@ void Notices::look(const SiteStatus& status) {
             m_known[monitor.id] = *monitor.lastFire;
             const QString words =
                 say("%1 fired at %2").arg(qt(monitor.title), momentText(*monitor.lastFire, status.now));
-            if (m_tray) m_tray->setToolTip(QStringLiteral("Vigil: ") + words);
-            if (m_on) notify(words, qt(station.name) + QStringLiteral(": ") + qt(monitor.condition));
+            tellTray(words, *monitor.lastFire);
+            if (m_on && *monitor.lastFire >= status.since)
+                notify(words, qt(station.name) + QStringLiteral(": ") + qt(monitor.condition));
         }
+}
+
+void Notices::tellTray(const QString& words, Date when) {
+    if (m_last && when < *m_last) return;
+    m_last = when;
+    m_words = words;
+    if (m_tray) m_tray->setToolTip(QStringLiteral("Vigil: ") + words);
 }
 
 // Without an answer: a desktop that takes no notifications is no trouble of the monitor's.

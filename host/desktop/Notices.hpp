@@ -2,7 +2,9 @@
 
 #include <QAction>
 #include <QSystemTrayIcon>
+#include <functional>
 #include <map>
+#include <optional>
 
 #include "host/run/SiteStatus.hpp"
 
@@ -14,7 +16,7 @@ class Notices {
   public:
     explicit Notices(QObject* parent);
 
-    /// Tells what has fired since the last call.
+    /// Tells what has fired since the last call; of what fired before the site was opened, the tray alone.
     void look(const SiteStatus& status);
     bool isOn() const { return m_on; }
     void setOn(bool on);
@@ -22,10 +24,14 @@ class Notices {
     std::function<void()> onPressed;
 
   private:
+    void makeTray(QObject* parent);
+    void tellTray(const QString& words, Date when);
     void notify(const QString& title, const QString& words);
 
     QSystemTrayIcon* m_tray = nullptr;  // absent where the desktop has none
     std::map<RecordId, Date> m_known;
+    std::optional<Date> m_last;  // the fire that the tray tells, in these words
+    QString m_words;
     bool m_on = true;
 };
 

@@ -26,6 +26,12 @@ void PopUpBox::setSmallest(int letters) {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
+// The style reckons its own frame and not that of the style sheet, which large letters tell.
+QSize PopUpBox::sizeHint() const {
+    const QSize hint = QComboBox::sizeHint();
+    return {hint.width() + fontMetrics().averageCharWidth(), hint.height()};
+}
+
 QSize PopUpBox::minimumSizeHint() const {
     const QSize whole = QComboBox::minimumSizeHint();
     if (m_smallest == 0) return whole;

@@ -15,6 +15,7 @@ class PopUpBox : public QComboBox {
     /// It is as wide as its longest words where there is room, and no narrower than so many letters.
     void setSmallest(int letters);
 
+    QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
   protected:

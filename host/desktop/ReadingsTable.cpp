@@ -144,8 +144,18 @@ ReadingsTable::ReadingsTable(QWidget* parent) : QTableView(parent) {
     horizontalHeader()->setSectionResizeMode(ReadingsModel::Trend, QHeaderView::Interactive);
     horizontalHeader()->setSectionResizeMode(ReadingsModel::Age, QHeaderView::ResizeToContents);
     horizontalHeader()->setResizeContentsPrecision(40);
-    setColumnWidth(ReadingsModel::Trend, 70);
+    setColumnWidth(ReadingsModel::Trend, 56);
     setAccessibleName(say("Readings"));
+}
+
+void ReadingsTable::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (m_model.rowCount() > 0) return;
+    QPainter painter(viewport());
+    painter.setPen(theme().muted);
+    constexpr int kEdge = 9;  // where the cells' words begin
+    painter.drawText(viewport()->rect().adjusted(kEdge, kEdge, -kEdge, 0),
+                     Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, say("No readings yet"));
 }
 
 }  // namespace vigil

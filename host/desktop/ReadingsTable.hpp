@@ -39,6 +39,9 @@ class ReadingsTable : public QTableView {
     explicit ReadingsTable(QWidget* parent = nullptr);
     ReadingsModel& readings() { return m_model; }
 
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
   private:
     ReadingsModel m_model;
 };

@@ -15,10 +15,18 @@ void RefreshPace::ring() {
     if (!m_rung.exchange(true)) QCoreApplication::postEvent(this, new QEvent(QEvent::User));
 }
 
+void RefreshPace::ringAtOnce() {
+    m_atOnce = true;
+    m_rung = true;
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
 bool RefreshPace::event(QEvent* event) {
     if (event->type() != QEvent::User) return QObject::event(event);
-    const qint64 since = m_since.isValid() ? m_since.elapsed() : kRefreshMilliseconds;
-    m_timer.start(static_cast<int>(std::max<qint64>(0, kRefreshMilliseconds - since)));
+    const bool waits = !m_atOnce.exchange(false) && m_since.isValid();
+    const qint64 since = waits ? m_since.elapsed() : kRefreshMilliseconds;
+    const int wait = static_cast<int>(std::max<qint64>(0, kRefreshMilliseconds - since));
+    if (!m_timer.isActive() || wait < m_timer.remainingTime()) m_timer.start(wait);
     return true;
 }
 

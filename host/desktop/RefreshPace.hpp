@@ -19,6 +19,8 @@ class RefreshPace : public QObject {
 
     /// Something has changed. Any thread; never waits.
     void ring();
+    /// The same for what cannot wait for its turn, such as the first reading. Any thread.
+    void ringAtOnce();
 
   protected:
     bool event(QEvent* event) override;
@@ -28,6 +30,7 @@ class RefreshPace : public QObject {
 
     const std::function<void()> m_call;
     std::atomic<bool> m_rung{false};
+    std::atomic<bool> m_atOnce{false};
     QElapsedTimer m_since;
     QTimer m_timer;
 };

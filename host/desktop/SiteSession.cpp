@@ -1,5 +1,6 @@
 #include "host/desktop/SiteSession.hpp"
 
+#include <atomic>
 #include <future>
 #include <utility>
 
@@ -21,10 +22,11 @@ class SiteSession::Bell : public Object {
   public:
     explicit Bell(RefreshPace& pace) : m_pace(pace) {}
     std::string className() const override { return "Bell"; }
-    void dataChanged(const Notification&) { m_pace.ring(); }
+    void dataChanged(const Notification&) { m_first.exchange(false) ? m_pace.ringAtOnce() : m_pace.ring(); }
 
   private:
     RefreshPace& m_pace;
+    std::atomic<bool> m_first{true};
 };
 
 class SiteSession::Controller : public SiteWindowController {
@@ -59,12 +61,6 @@ Result<Done, SiteError> SiteSession::load() {
     auto file = SiteFile::open(m_path, Access::Write);
     if (!file) return file.error();
     m_file = std::move(file).value();
-    const auto secret = [this](const std::string& name) -> std::optional<std::string> {
-        auto found = Secrets(Secrets::defaultFile()).named(name);
-        if (found) return std::move(found).value();
-        m_log.logLevel(kLogProblem, found.error().message);
-        return std::nullopt;
-    };
     const Settings settings = effective(m_options.settings);
     auto site = RunningSite::make(
         *m_file, m_log,
@@ -75,7 +71,8 @@ Result<Done, SiteError> SiteSession::load() {
          .historyDays = settings.run.historyDays,
          .player = playerOptions(settings, m_options.programFolder).setup,
          .automation = automationOptions(settings, m_options.programFolder),
-         .secret = secret,
+         .lostLogLines = [this] { return m_standardLog.lostLines(); },
+         .secret = userSecrets([this](const std::string& why) { m_log.logLevel(kLogProblem, why); }),
          .turn = [this](Mailbox::Deadline until) { m_pump->turn(until); }});
     if (!site) return SiteError{.kind = SiteError::Kind::Environment, .message = site.error().message};
     m_site = std::move(site).value();

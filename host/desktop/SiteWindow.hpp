@@ -8,6 +8,7 @@
 #include <QStackedWidget>
 #include <QTextBrowser>
 #include <QToolBar>
+#include <QToolButton>
 #include <map>
 #include <memory>
 #include <vector>
@@ -29,9 +30,10 @@ class SiteWindow : public QMainWindow {
     explicit SiteWindow(SiteSession::Options options);
     ~SiteWindow() override;
 
-    /// Opens the site of that path in place of the one that is shown. Where there is none yet, `first` makes
-    /// one with a simulated station.
-    void openSite(const QString& path, bool first);
+    /// Opens the site of that path in place of the one that is shown.
+    void openSite(const QString& path) { showSite(path, /*fresh=*/false); }
+    /// The same for a site of which `makeFirstSite` said this: one that it made gets a monitor.
+    void openFirstSite(const QString& path, const Result<bool>& made);
     SiteSession* session() const { return m_session.get(); }
     MonitorPane* pane() const;
     RecordId station() const { return m_stations->chosen(); }
@@ -39,12 +41,13 @@ class SiteWindow : public QMainWindow {
     QDockWidget* dock(const QString& name) const { return findChild<QDockWidget*>(name); }
 
   protected:
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
   private:
     void makePanes();
     QWidget* makeSidebar();
-    QDockWidget* makeDock(const char* name, const QString& title, QWidget* content, Qt::DockWidgetArea area);
+    QDockWidget* makeDock(const char* name, const QString& title, Qt::DockWidgetArea area);
     void makeMenus();
     void makeToolbar();
     void takeKeys();
@@ -62,12 +65,16 @@ class SiteWindow : public QMainWindow {
     void showToolbarItems();
     void select(RecordId id);
     void showTrouble(const QString& words);
+    void showWhere(const QString& path);
     void showPage(const QString& title, const QString& words, const QString& button,
                   std::function<void()> call);
 
     // What people do.
+    void showSite(const QString& path, bool fresh);
     std::string siteFolder() const;
     void addStation();
+    /// By the item of the toolbar plug-ins; where there are several, one is chosen.
+    void addMonitor();
     void editStation();
     void removeStation();
     void renameMonitor(RecordId id);
@@ -85,7 +92,8 @@ class SiteWindow : public QMainWindow {
     std::unique_ptr<SiteSession> m_session;
     CardList* m_stations = nullptr;
     CardList* m_monitors = nullptr;
-    QLabel* m_monitorsTitle = nullptr;
+    QWidget* m_sidebar = nullptr;
+    QToolButton* m_addMonitor = nullptr;
     QStackedWidget* m_stack = nullptr;
     QWidget* m_page = nullptr;  // what stands where no monitor does
     ReadingsTable* m_readings = nullptr;
@@ -109,6 +117,7 @@ class SiteWindow : public QMainWindow {
     std::uint64_t m_ledgerSum = 0;  // of what the ledger showed last
     bool m_saving = false;          // somebody asked, and is told when it is so
     bool m_closing = false;
+    bool m_arranged = false;  // the panes are as the user left them
 };
 
 }  // namespace vigil

@@ -53,6 +53,14 @@ void SiteWindow::addStation() {
     });
 }
 
+void SiteWindow::addMonitor() {
+    QMenu offered;
+    for (QAction* item : m_toolbar->actions())
+        if (item->property("plugIn").toBool()) offered.addAction(item);
+    if (offered.actions().size() == 1) return offered.actions().front()->trigger();
+    if (!offered.isEmpty()) offered.exec(m_addMonitor->mapToGlobal(QPoint(0, m_addMonitor->height())));
+}
+
 void SiteWindow::editStation() {
     if (!m_session) return;
     for (const StationRecord& record : m_session->site().stations()) {

@@ -1,6 +1,6 @@
+#include <QActionGroup>
 #include <QApplication>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QSettings>
 
 #include "host/desktop/Icons.hpp"
@@ -90,9 +90,18 @@ void SiteWindow::makeMenus() {
         activateWindow();
     };
     auto& appearance = *look.addMenu(icon(QStringLiteral("appearance")), say("&Appearance"));
-    action(appearance, "", say("As the &desktop"), {}, [this] { setAppearance(QStringLiteral("auto")); });
-    action(appearance, "", say("&Light"), {}, [this] { setAppearance(QStringLiteral("light")); });
-    action(appearance, "", say("&Dark"), {}, [this] { setAppearance(QStringLiteral("dark")); });
+    const std::pair<const char*, QString> looks[] = {
+        {"auto", say("As the &desktop")}, {"light", say("&Light")}, {"dark", say("&Dark")}};
+    const QString chosen =
+        QSettings().value(QLatin1String(kAppearanceKey), QStringLiteral("auto")).toString();
+    auto* one = new QActionGroup(this);
+    for (const auto& [name, words] : looks) {
+        QAction* made =
+            action(appearance, "", words, {}, [this, name = name] { setAppearance(QLatin1String(name)); });
+        made->setCheckable(true);
+        made->setChecked(chosen == QLatin1String(name));
+        one->addAction(made);
+    }
 }
 
 void SiteWindow::makeToolbar() {
@@ -100,7 +109,8 @@ void SiteWindow::makeToolbar() {
     m_toolbar->setObjectName(QStringLiteral("tools"));
     m_toolbar->setMovable(false);
     m_toolbar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_toolbar->setIconSize({26, 20});
+    const int high = fontMetrics().height() * 5 / 4;
+    m_toolbar->setIconSize({high * 13 / 10, high});
     m_toolbarEnd = m_toolbar->addSeparator();
     m_toolbarEnd->setVisible(false);
     m_toolbar->addAction(leadingIcon(icon(QStringLiteral("station"))), say("Add a station"), this,
@@ -149,11 +159,9 @@ void SiteWindow::showToolbarItems() {
 }
 
 void SiteWindow::setAppearance(const QString& name) {
-    QSettings().setValue(QStringLiteral("appearance"), name);
+    QSettings().setValue(QLatin1String(kAppearanceKey), name);
     applyTheme(*qApp, appearanceNamed(name));
-    showTrouble({});
-    QMessageBox::information(this, say("Appearance"),
-                             say("Pictures take the new colours at the next start."));
+    if (m_session) m_session->ring();
 }
 
 }  // namespace vigil

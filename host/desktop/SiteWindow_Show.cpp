@@ -1,3 +1,4 @@
+#include <QFileInfo>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -13,6 +14,11 @@
 // What the window shows, taken anew from the site at each refresh.
 
 namespace vigil {
+namespace {
+
+constexpr int kWidestWords = 560;  // with large letters
+
+}  // namespace
 
 void SiteWindow::changed() {
     if (m_session) refresh();
@@ -48,6 +54,7 @@ void SiteWindow::refresh() {
     refreshLedger(status);
     if (m_inspector->isVisible()) refreshInspector();
     if (m_log->isVisible()) m_log->refresh();
+    m_log->showLost(status.lostLogLines);
 }
 
 void SiteWindow::refreshCards(const SiteStatus& status) {
@@ -67,6 +74,7 @@ void SiteWindow::refreshCards(const SiteStatus& status) {
     if (monitors.empty()) showMonitor(0);
     for (QAction* one : m_stationActions)
         one->setEnabled(station() != 0);
+    m_addMonitor->setEnabled(station() != 0);
     for (QAction* one : m_monitorActions)
         one->setEnabled(monitor() != 0);
 }
@@ -118,8 +126,8 @@ void SiteWindow::showMonitor(RecordId id) {
         return showPage(
             say("No monitor here yet"),
             say("A monitor watches this station: it judges a condition on every new reading and acts "
-                "when it holds. \"Vigil\" in the toolbar makes one."),
-            {}, {});
+                "when it holds."),
+            say("Add a monitor"), [this] { addMonitor(); });
     }
     const auto known = m_panes.find(id);
     if (known != m_panes.end() && (!hosted || known->second->plugIn() != hosted->plugIn())) {
@@ -147,6 +155,8 @@ void SiteWindow::showPage(const QString& title, const QString& words, const QStr
     delete m_page;
     m_page = new QWidget(m_stack);
     m_page->setAccessibleName(title);
+    // It bounds no window from below, least of all while it does not show.
+    m_page->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     auto* column = new QVBoxLayout(m_page);
     column->setContentsMargins(40, 40, 40, 40);
     column->addStretch(2);
@@ -158,7 +168,7 @@ void SiteWindow::showPage(const QString& title, const QString& words, const QStr
     auto* text = label(words, "muted", m_page);
     text->setWordWrap(true);
     text->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-    text->setFixedWidth(fontMetrics().averageCharWidth() * 64);
+    text->setFixedWidth(std::min(fontMetrics().averageCharWidth() * 64, kWidestWords));
     text->setMinimumHeight(text->heightForWidth(text->width()));
     column->addWidget(text, 0, Qt::AlignHCenter);
     column->addSpacing(10);
@@ -176,6 +186,15 @@ void SiteWindow::showPage(const QString& title, const QString& words, const QStr
 void SiteWindow::showTrouble(const QString& words) {
     m_bannerWords->setText(words);
     m_banner->setVisible(!words.isEmpty());
+}
+
+// The file's name; where it is stands under the mouse.
+void SiteWindow::showWhere(const QString& path) {
+    m_sidebar->setVisible(m_session != nullptr);
+    m_where->setText(QFileInfo(path).fileName());
+    m_where->setToolTip(path);
+    m_problems->setVisible(m_session != nullptr);
+    m_toolbar->setEnabled(m_session != nullptr);
 }
 
 void SiteWindow::select(RecordId id) {

@@ -6,8 +6,6 @@
 #include <QStyle>
 #include <QStyleFactory>
 
-#include "host/desktop/Icons.hpp"
-
 namespace vigil {
 namespace {
 
@@ -109,7 +107,6 @@ void applyTheme(QApplication& application, Appearance appearance) {
     static const bool systemIsDark = application.palette().color(QPalette::Window).lightness() < 128;
     const bool dark = appearance == Appearance::Dark || (appearance == Appearance::Auto && systemIsDark);
     g_theme = dark ? darkTheme() : lightTheme();
-    forgetIcons();
     application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     application.setPalette(paletteOf(g_theme));
     QFont font = application.font();

@@ -21,6 +21,8 @@ enum class Appearance { Auto, Light, Dark };
 const Theme& theme();
 /// Gives the application colours, letters and shapes.
 void applyTheme(QApplication& application, Appearance appearance);
+/// Where the user's choice is kept.
+inline constexpr const char* kAppearanceKey = "appearance";
 /// "auto", "light", "dark"
 Appearance appearanceNamed(const QString& name);
 

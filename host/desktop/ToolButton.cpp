@@ -10,7 +10,8 @@ namespace vigil {
 QToolButton* bareButton(const QString& iconName, const QString& name, QWidget* parent) {
     auto* button = new QToolButton(parent);
     button->setIcon(icon(iconName));
-    button->setIconSize({16, 16});
+    const int side = button->fontMetrics().height();
+    button->setIconSize({side, side});
     button->setToolTip(name);
     button->setAccessibleName(name);
     button->setProperty("bare", true);
@@ -33,6 +34,11 @@ void nameBox(QComboBox& box, const QString& name) {
 QLabel* label(const QString& text, const char* role, QWidget* parent) {
     auto* made = new QLabel(text, parent);
     made->setProperty("role", QLatin1String(role));
+    if (qstrcmp(role, "title") == 0) {
+        QFont large = made->font();
+        large.setPointSizeF(large.pointSizeF() * 1.5);
+        made->setFont(large);
+    }
     return made;
 }
 

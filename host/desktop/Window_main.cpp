@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <string>
 
+#include "host/desktop/FirstSite.hpp"
 #include "host/desktop/Icons.hpp"
 #include "host/desktop/SiteWindow.hpp"
 #include "host/desktop/Theme.hpp"
@@ -53,12 +54,6 @@ int run(QApplication& application) {
                                      QStringLiteral("FOLDER"));
     parser.addOptions({site, look, noHistory, scripts});
     parser.process(application);
-    const QString appearance =
-        parser.isSet(look)
-            ? parser.value(look)
-            : QSettings().value(QStringLiteral("appearance"), QStringLiteral("auto")).toString();
-    applyTheme(application, appearanceNamed(appearance));
-    application.setWindowIcon(icon(QStringLiteral("vigil")));
     const QStringList given = parser.positionalArguments();
     SiteSession::Options options{.programFolder = utf8(QCoreApplication::applicationDirPath()),
                                  .scriptsFolder = utf8(parser.value(scripts)),
@@ -72,9 +67,16 @@ int run(QApplication& application) {
         std::fprintf(stderr, "vigil-window: %s is open already; its window is shown\n", path.c_str());
         return 0;
     }
+    auto made = makeFirstSiteMeanwhile(path);
+    const QString appearance =
+        parser.isSet(look)
+            ? parser.value(look)
+            : QSettings().value(QLatin1String(kAppearanceKey), QStringLiteral("auto")).toString();
+    applyTheme(application, appearanceNamed(appearance));
+    application.setWindowIcon(icon(QStringLiteral("vigil")));
     SiteWindow window(std::move(options));
     window.show();
-    window.openSite(qt(path), /*first=*/true);
+    window.openFirstSite(qt(path), made.get());
     return application.exec();
 }
 

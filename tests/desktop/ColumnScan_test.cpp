@@ -6,73 +6,16 @@
 #include <gtest/gtest.h>
 
 #include "conditions/ConditionPredicate.hpp"
-#include "host/kit/InterfaceFile.hpp"
 #include "host/kit/MonitorModule.hpp"
-#include "host/kit/RecordedScripts.hpp"
-#include "host/kit/ReplayWorld.hpp"
-#include "host/kit/Station.hpp"
-#include "host_contract/CycleObserver.hpp"
-#include "platform/ClassRegistry.hpp"
-#include "platform/InterfaceOwner.hpp"
-#include "tests/support/RecordingLog.hpp"
+#include "tests/desktop/ReplayedFires.hpp"
 
 namespace vigil::test {
 namespace {
 
-/// A monitor of the built module, replayed.
-class Replayed : public CycleObserver {
-  public:
-    Replayed(const std::string& condition, const ScanRule& rule)
-        : m_scripts(m_world), m_station(std::make_shared<Station>(m_world, "Roof", m_scripts)) {
-        const World::Scope scope(m_world);
-        m_monitor = std::dynamic_pointer_cast<QRVPlugIn>(ClassRegistry::shared().make("QRVVigilPlugIn"));
-        m_monitor->initWithAgent(m_station, nullptr);
-        InterfaceOwner& owner = *m_monitor->interfaceOwner();
-        const auto set = [&](const char* name, const Value& value) {
-            return owner.propertyNamed(name)->set(owner, value);
-        };
-        const auto parsed = ConditionPredicate::predicateWithFormat(condition).value();
-        EXPECT_TRUE(set("predicate", Value(std::static_pointer_cast<Object>(parsed))));
-        EXPECT_TRUE(set("retriggerInterval", Value(rule.retriggerMinutes)));
-        EXPECT_TRUE(set("triggerOnlyOnChange", Value(rule.onlyOnChange)));
-        EXPECT_TRUE(set("evaluating", Value(true)));
-    }
-    /// The observer is the monitor's while it is stopped.
-    static std::vector<double> fires(
-        const std::string& condition, const ScanRule& rule,
-        const std::vector<std::pair<Date, std::shared_ptr<const Readings>>>& batches) {
-        const auto replayed = std::make_shared<Replayed>(condition, rule);
-        const World::Scope scope(replayed->m_world);
-        replayed->m_monitor->cycleReporting()->setCycleObserver(replayed);
-        EXPECT_EQ(replayed->m_monitor->start(), nullptr);
-        for (const auto& [when, readings] : batches) {
-            replayed->m_world.turnTo(when);
-            replayed->m_now = when;
-            EXPECT_TRUE(replayed->m_station->announce(readings).empty());
-        }
-        replayed->m_monitor->stop();
-        replayed->m_monitor->cycleReporting()->setCycleObserver(nullptr);
-        return replayed->m_fires;
-    }
-    void cycleEnded(const Object&, const CycleReport& report) override {
-        if (report.outcome == CycleOutcome::Fired) m_fires.push_back(m_now.secondsSinceReference());
-    }
-
-  private:
-    RecordingLog m_log;
-    InterfaceFile m_files;
-    ReplayWorld m_world{m_log, m_files, ""};
-    RecordedScripts m_scripts;
-    std::shared_ptr<Station> m_station;
-    std::shared_ptr<QRVPlugIn> m_monitor;
-    Date m_now;
-    std::vector<double> m_fires;
-};
-
 /// Few values, so that everything meets: equal ones, missing ones, old times, texts, no numbers.
-std::vector<std::pair<Date, std::shared_ptr<const Readings>>> randomBatches(std::mt19937& random, int count) {
+Announced randomBatches(std::mt19937& random, int count) {
     const auto pick = [&](int below) { return static_cast<int>(random() % static_cast<unsigned>(below)); };
-    std::vector<std::pair<Date, std::shared_ptr<const Readings>>> batches;
+    Announced batches;
     Date now(800'000'000);
     for (int i = 0; i < count; ++i) {
         now = now.plus(pick(4) * 10);
@@ -114,12 +57,12 @@ TEST(ColumnScan, FiresWhenTheModuleFires) {
             for (const double minutes : {0.0, 0.1, 1.0 / 6, 1.0, 7.5}) {
                 const ScanRule rule{minutes, onlyOnChange};
                 const auto batches = randomBatches(random, 400);
-                Columns columns({"a", "b", "sky", "dawn"}, /*texts=*/true);
+                Columns columns({"a", "b", "sky", "dawn"}, {"a", "sky"});
                 for (const auto& [when, readings] : batches)
                     columns.append(when, *readings);
                 const auto parsed = ConditionPredicate::predicateWithFormat(condition).value();
                 const auto scanned = scan(columns, parsed->tree(), rule).fires;
-                EXPECT_EQ(scanned, Replayed::fires(condition, rule, batches))
+                EXPECT_EQ(scanned, replayedFires(condition, rule, batches))
                     << condition << (onlyOnChange ? ", only on change" : "") << ", " << minutes << " min";
                 fires += scanned.size();
             }
@@ -142,10 +85,21 @@ TEST(ColumnScan, HeldStretchesAreThoseOfTheWholeReadings) {
     EXPECT_EQ(result.fires, std::vector<double>{10});
 }
 
+TEST(ColumnScan, TextsThatAreNotKeptAreNotThere) {
+    Columns columns({"sky"});
+    columns.append(Date(0), *Readings::make({AgentProperty::text("sky", "Fog", Date(0))}));
+    const auto fires = [&](const char* condition) {
+        return scan(columns, ConditionPredicate::predicateWithFormat(condition).value()->tree(), {}).fires;
+    };
+    EXPECT_TRUE(fires("sky.stringValue == \"Fog\"").empty());
+    EXPECT_EQ(fires("sky.stringValue != \"Fog\""), std::vector<double>{0});
+    EXPECT_EQ(fires("sky.unitValue == 0"), std::vector<double>{0});
+}
+
 TEST(ColumnScan, BlocksThatAreReadOneAfterAnotherAreOneColumn) {
     std::mt19937 random(3);
     const auto batches = randomBatches(random, 200);
-    Columns whole({"a", "sky"}, true), pieces({"a", "sky"}, true), second({"a", "sky"}, true);
+    Columns whole({"a", "sky"}, {"sky"}), pieces({"a", "sky"}, {"sky"}), second({"a", "sky"}, {"sky"});
     for (std::size_t i = 0; i < batches.size(); ++i) {
         whole.append(batches[i].first, *batches[i].second);
         (i < 80 ? pieces : second).append(batches[i].first, *batches[i].second);

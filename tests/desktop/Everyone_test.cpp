@@ -4,7 +4,7 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPushButton>
-#include <QTranslator>
+#include <algorithm>
 
 #include <gtest/gtest.h>
 
@@ -12,6 +12,7 @@
 #include "host/desktop/Theme.hpp"
 #include "host/desktop/Words.hpp"
 #include "tests/desktop/DesktopBench.hpp"
+#include "tests/desktop/Longer.hpp"
 #include "tests/desktop/Stage.hpp"
 
 // The window is for everyone: by keys alone, by ear, in longer languages, in light and dark.
@@ -26,16 +27,6 @@ QString nameOf(QWidget& widget) {
     return name.isEmpty() ? known->text(QAccessible::Description) : name;
 }
 
-/// Words that are a good third longer, as they are in German.
-class Longer : public QTranslator {
-  public:
-    QString translate(const char*, const char* text, const char*, int) const override {
-        QString words = QString::fromUtf8(text);
-        return words + QString(words.size() * 4 / 10, QLatin1Char('n'));
-    }
-    bool isEmpty() const override { return false; }
-};
-
 class Everyone : public testing::Test {
   protected:
     void open() {
@@ -48,10 +39,10 @@ class Everyone : public testing::Test {
     Stage stage;
 };
 
-TEST_F(Everyone, WhateverTakesAPressOrATextIsReachedByKeysAndHasAName) {
-    open();
-    int found = 0;
-    for (QWidget* widget : stage.window().findChildren<QWidget*>()) {
+/// What takes a press or a text now.
+std::vector<QWidget*> fields(const QWidget& window) {
+    std::vector<QWidget*> found;
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
         const bool takes = qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget) ||
                            qobject_cast<QLineEdit*>(widget) || qobject_cast<QAbstractItemView*>(widget);
         // What Qt makes inside its own widgets is reached by way of these.
@@ -60,14 +51,45 @@ TEST_F(Everyone, WhateverTakesAPressOrATextIsReachedByKeysAndHasAName) {
             qobject_cast<QComboBox*>(widget->parentWidget()) || inner.startsWith("ScrollLeft") ||
             inner.startsWith("ScrollRight") || qobject_cast<QAbstractItemView*>(widget->parentWidget()))
             continue;
-        ++found;
+        found.push_back(widget);
+    }
+    return found;
+}
+
+TEST_F(Everyone, WhateverTakesAPressOrATextIsReachedByKeysAndHasAName) {
+    open();
+    const auto found = fields(stage.window());
+    for (QWidget* widget : found) {
+        const QString inner = widget->objectName();
         const std::string what = widget->metaObject()->className() + std::string(" ") + utf8(inner) + " in " +
                                  widget->parentWidget()->metaObject()->className() + " " +
                                  utf8(widget->parentWidget()->objectName());
         EXPECT_TRUE(widget->focusPolicy() & Qt::TabFocus) << what;
         EXPECT_FALSE(nameOf(*widget).isEmpty()) << what;
     }
-    EXPECT_GT(found, 25);
+    EXPECT_GT(found.size(), 25u);
+}
+
+TEST_F(Everyone, TabGoesRoundThroughAllOfItAndIsCaughtNowhere) {
+    open();
+    QWidget* const first = stage.window().focusWidget();
+    ASSERT_NE(first, nullptr);
+    constexpr int kMost = 300;
+    std::vector<QWidget*> passed;
+    QWidget* at = first;
+    do {
+        QTest::keyClick(at, Qt::Key_Tab);
+        QWidget* const next = stage.window().focusWidget();
+        ASSERT_NE(next, at) << "caught in " << at->metaObject()->className() << " " << utf8(at->objectName());
+        passed.push_back(at = next);
+    } while (at != first && passed.size() < kMost);
+    EXPECT_EQ(at, first) << "it does not come round";
+    for (QWidget* field : fields(stage.window())) {
+        const bool reached = std::any_of(passed.begin(), passed.end(), [&](QWidget* one) {
+            return one == field || field->isAncestorOf(one);
+        });
+        EXPECT_TRUE(reached) << field->metaObject()->className() << " " << utf8(nameOf(*field));
+    }
 }
 
 TEST_F(Everyone, InALongerLanguageNothingIsCut) {
@@ -135,7 +157,7 @@ TEST_F(Everyone, AThresholdIsMovedByKeysAndByTheMouse) {
     // The mouse takes the line where it stands now and lets it go lower.
     chart.grab();
     int line = -1;
-    for (int y = 6; y < 102 && line < 0; ++y) {
+    for (int y = 6; y < 130 && line < 0; ++y) {
         QTest::mouseMove(&chart, QPoint(200, y));
         QMouseEvent over(QEvent::MouseMove, QPointF(200, y), chart.mapToGlobal(QPointF(200, y)), Qt::NoButton,
                          Qt::NoButton, Qt::NoModifier);

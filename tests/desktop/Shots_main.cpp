@@ -1,3 +1,4 @@
+#include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
 #include <QPixmap>
@@ -9,16 +10,22 @@
 #include "host/desktop/RuleView.hpp"
 #include "host/desktop/StationDialog.hpp"
 #include "host/desktop/Theme.hpp"
+#include "tests/desktop/Longer.hpp"
 #include "tests/desktop/Stage.hpp"
 
-// Makes the pictures of the manual: window-shots FOLDER [NAME]
+// Makes the pictures of the manual.
 
 namespace vigil::test {
 namespace {
 
 class Shots {
   public:
-    Shots(QString folder, QString only) : m_folder(std::move(folder)), m_only(std::move(only)) {}
+    /// Without `only` all of them; the window is of that size, and the chart shows so many milliseconds.
+    Shots(QString folder, QString only, QSize size, int patience)
+        : m_folder(std::move(folder)), m_only(std::move(only)), m_size(size), m_patience(patience) {}
+
+    QSize size() const { return m_size; }
+    int patience() const { return m_patience; }
 
     void take(QWidget& widget, const char* name) {
         if (!m_only.isEmpty() && m_only != QLatin1String(name)) return;
@@ -29,6 +36,8 @@ class Shots {
 
   private:
     const QString m_folder, m_only;
+    const QSize m_size;
+    const int m_patience;
 };
 
 bool isShown(Stage& stage) {
@@ -54,12 +63,12 @@ void actByScript(Stage& stage) {
 
 /// A window whose monitor has seen a day of weather go by.
 void monitor(Stage& stage, Shots& shots) {
-    SiteWindow& window = stage.open("first", /*first=*/true);
+    SiteWindow& window = stage.open("home", /*first=*/true, shots.size());
     waitUntil([&] { return isShown(stage); });
     actByScript(stage);
     turn(5000);
     shots.take(window, "first-start");
-    turn(120'000);
+    turn(shots.patience());
     shots.take(window, "monitor");
     auto* scroll = window.pane()->findChild<QScrollArea*>();
     scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
@@ -89,8 +98,9 @@ void monitor(Stage& stage, Shots& shots) {
     view.text().field().setPlainText(QStringLiteral("windChill.unitValue < 10 OR windSpeed.unitValue >"));
     shots.take(window, "mistake");
     SiteWindow other({.programFolder = VIGIL_BINARY_DIR "/bin"});
+    other.resize(shots.size());
     other.show();
-    other.openSite(stage.path("first.vigilsite"), false);
+    other.openSite("home.vigilsite");
     shots.take(other, "runs-elsewhere");
     StationDialog dialog({}, ".", &window);
     dialog.show();
@@ -99,7 +109,7 @@ void monitor(Stage& stage, Shots& shots) {
 }
 
 void empty(Stage& stage, Shots& shots) {
-    SiteWindow& window = stage.open("nothing", /*first=*/true);
+    SiteWindow& window = stage.open("new", /*first=*/true, shots.size());
     waitUntil([&] { return isShown(stage); });
     window.session()->removeStation(window.station());
     waitUntil([&] { return window.station() == 0; });
@@ -113,16 +123,37 @@ int main(int count, char** words) {
     using namespace vigil;
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(count, words);
-    const QStringList given = QCoreApplication::arguments();
-    if (given.size() < 2) {
-        std::fprintf(stderr, "window-shots FOLDER [NAME]\n");
-        return 2;
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addPositionalArgument("FOLDER", "Where the pictures go");
+    parser.addPositionalArgument("NAME", "The only one to be made", "[NAME]");
+    const QCommandLineOption look("appearance", "light or dark", "NAME", "light");
+    const QCommandLineOption longer("longer", "Words that are longer by two fifths");
+    const QCommandLineOption size("size", "Of the window, in points", "WIDTHxHEIGHT", "1440x900");
+    const QCommandLineOption seconds("seconds", "Weather that the chart shows", "COUNT", "120");
+    const QCommandLineOption letters("letters", "Their size", "POINTS");
+    parser.addOptions({look, longer, size, seconds, letters});
+    parser.process(application);
+    const QStringList given = parser.positionalArguments();
+    const QStringList sides = parser.value(size).split('x');
+    if (given.isEmpty() || sides.size() != 2) parser.showHelp(2);
+    const QDir folder(given[0]);
+    folder.mkpath(".");
+    test::Shots shots(folder.absolutePath(), given.value(1), {sides[0].toInt(), sides[1].toInt()},
+                      parser.value(seconds).toInt() * 1000);
+    test::Longer longerWords;
+    if (parser.isSet(longer)) QCoreApplication::installTranslator(&longerWords);
+    applyTheme(application, appearanceNamed(parser.value(look)));
+    if (parser.isSet(letters)) {
+        QFont font = application.font();
+        font.setPointSizeF(parser.value(letters).toDouble());
+        application.setFont(font);
     }
-    QDir().mkpath(given[1]);
-    test::Shots shots(given[1], given.value(2));
-    applyTheme(application, appearanceNamed(qEnvironmentVariable("VIGIL_SHOTS", "light")));
     test::Stage stage;
+    // A path in a picture is the file's name alone.
+    QDir::setCurrent(stage.path(""));
     test::monitor(stage, shots);
     test::empty(stage, shots);
+    QDir::setCurrent("/");
     return 0;
 }

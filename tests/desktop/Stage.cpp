@@ -5,6 +5,7 @@
 #include <QSettings>
 #include <QTimer>
 
+#include "host/desktop/FirstSite.hpp"
 #include "host/desktop/Words.hpp"
 
 namespace vigil::test {
@@ -22,15 +23,20 @@ Stage::~Stage() {
     close();
 }
 
-SiteWindow& Stage::open(const std::string& name, bool first) {
+SiteWindow& Stage::open(const std::string& name, bool first, QSize size) {
     close();
     m_window = std::make_unique<SiteWindow>(SiteSession::Options{
         .programFolder = VIGIL_BINARY_DIR "/bin",
         .scriptsFolder = settings.run.scripts.empty() ? utf8(path("scripts")) : std::string(),
         .version = "1",
         .settings = settings});
+    m_window->resize(size);
     m_window->show();
-    m_window->openSite(path(name + ".vigilsite"), first);
+    const QString site = file(name);
+    if (first)
+        m_window->openFirstSite(site, makeFirstSite(utf8(site)));
+    else
+        m_window->openSite(site);
     return *m_window;
 }
 
