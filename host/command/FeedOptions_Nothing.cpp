@@ -11,11 +11,10 @@ namespace {
 std::set<std::string> stationsIn(const FeedOptions& options) {
     std::set<std::string> names;
     if (options.path == "-") return names;
-    FeedOptions all = options;
-    all.csv.station.reset();
-    all.lines.station.reset();
-    all.csv.orderWindow = all.lines.orderWindow = 0;
-    const auto source = openRecorded(all.path, all.csv, all.lines, {});
+    CsvOptions csv = options.csv;
+    csv.station.reset();
+    csv.orderWindow = 0;
+    const auto source = openRecorded(options.path, csv, {.orderWindow = 0}, {});
     if (!source) return names;
     for (;;) {
         const auto next = source.value()->next();
